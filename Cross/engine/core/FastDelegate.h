@@ -1,0 +1,85 @@
+#pragma once
+
+// fastdelegate: a bound call, cheap to copy and without allocation: an object pointer with a member function,
+// or a plain function. The delegate does not own the object, which must outlive every call. Calling an empty
+// delegate is outside the contract; test it first. Two delegates are equal when they are bound to the same
+// object and function.
+
+#include <cstddef>
+#include <cstring>
+#include <type_traits>
+
+namespace fastdelegate {
+
+template <class Signature>
+class FastDelegate;
+
+template <class R, class... Args>
+class FastDelegate<R(Args...)> {
+public:
+    FastDelegate() = default;
+
+    FastDelegate(std::nullptr_t) {}
+
+    FastDelegate(R (*function)(Args...)) {
+        if (function)
+            store(nullptr, function, [](void *, unsigned char const * bytes, Args... args) -> R {
+                return load<R (*)(Args...)>(bytes)(static_cast<Args>(args)...);
+            });
+    }
+
+    template <class T>
+    FastDelegate(std::type_identity_t<T> * object, R (T::*member)(Args...)) {
+        bindMember<T>(object, member);
+    }
+
+    template <class T>
+    FastDelegate(std::type_identity_t<T> const * object, R (T::*member)(Args...) const) {
+        bindMember<T const>(const_cast<T *>(object), member);
+    }
+
+    R operator()(Args... args) const { return invoke(object, function, static_cast<Args>(args)...); }
+
+    explicit operator bool() const { return invoke != nullptr; }
+
+    bool empty() const { return invoke == nullptr; }
+
+    bool operator==(FastDelegate const & other) const {
+        return object == other.object && invoke == other.invoke &&
+               std::memcmp(function, other.function, sizeof(function)) == 0;
+    }
+
+private:
+    using Invoke = R (*)(void *, unsigned char const *, Args...);
+
+    // Large enough for any member function pointer of the compilers that build this library.
+    static constexpr std::size_t c_functionSize = 2 * sizeof(void *);
+
+    template <class Function>
+    static Function load(unsigned char const * bytes) {
+        Function result;
+        std::memcpy(&result, bytes, sizeof(result));
+        return result;
+    }
+
+    template <class T, class Member>
+    void bindMember(void * target, Member member) {
+        store(target, member, [](void * bound, unsigned char const * bytes, Args... args) -> R {
+            return (static_cast<T *>(bound)->*load<Member>(bytes))(static_cast<Args>(args)...);
+        });
+    }
+
+    template <class Function>
+    void store(void * target, Function bound, Invoke forwarder) {
+        static_assert(sizeof(Function) <= c_functionSize);
+        object = target;
+        std::memcpy(function, &bound, sizeof(bound));
+        invoke = forwarder;
+    }
+
+    void * object = nullptr;
+    unsigned char function[c_functionSize] = {};
+    Invoke invoke = nullptr;
+};
+
+} // namespace fastdelegate

@@ -1,0 +1,1 @@
+#include "Cross/engine/core/Utf.h"

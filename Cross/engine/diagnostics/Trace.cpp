@@ -1,0 +1,1 @@
+#include "Cross/engine/diagnostics/Trace.h"

@@ -1,0 +1,1 @@
+#include "Cross/engine/filesystem/ByteStreamConverter.h"

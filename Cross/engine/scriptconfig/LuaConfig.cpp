@@ -1,0 +1,1 @@
+#include "Cross/engine/scriptconfig/LuaConfig.h"

@@ -1,0 +1,18 @@
+# What the libraries stand on. CrossUtilConfig.cmake.in finds the public ones again for an installed package.
+
+set(THREADS_PREFER_PTHREAD_FLAG ON)
+find_package(Threads REQUIRED)
+find_package(ZLIB REQUIRED)
+find_package(Boost REQUIRED)
+find_package(PkgConfig REQUIRED)
+
+# Lua 5.1, in the build that was compiled as C++ where there is one: its errors unwind C++ objects. Everything in a process
+# must use the same one.
+pkg_search_module(LUA REQUIRED IMPORTED_TARGET GLOBAL lua5.1-c++ lua5.1)
+
+if(CROSSUTIL_BUILD_TESTS)
+    find_package(GTest REQUIRED)
+endif()
+if(CROSSUTIL_BUILD_TOOLS)
+    find_package(CLI11 REQUIRED)
+endif()
