@@ -1,1 +1,84 @@
 #pragma once
+
+// BinaryConfigCreator: builds the tree that BinaryConfigIO flattens into the image of a BinaryConfig. A
+// cursor tells the table that fields are added to; it starts at the root, which is sorted by key.
+//
+// A field is known by its key, the name hash of its exact spelling. Fields are never replaced or removed. Two
+// names with one hash in a table cannot be stored: that is a fatal error. A field made by name may be reached
+// by key later on, but not the other way round, since the name is unknown then and counts as another one.
+//
+// A null name counts as "". A literal key of 0 is written 0u.
+//
+// Threads: one. Lifetime: names and texts are copied; everything goes with the builder. Adding throws
+// std::bad_alloc when memory is exhausted and std::length_error for a text of 4 GiB; the tree is then as it
+// was.
+
+#include "Cross/Util/BinaryConfig.h"
+#include "Cross/engine/core/Export.h"
+#include "Cross/engine/memory/MemPool.h"
+
+#include <cstdint>
+#include <vector>
+
+class CROSS_UTIL_API BinaryConfigCreator {
+public:
+    // With a pool of its own.
+    BinaryConfigCreator();
+
+    // Works in the pool given, which must hold nothing but this builder's entries: the destructor clears it.
+    // Null means a pool of its own.
+    explicit BinaryConfigCreator(_HMEMPOOL * pool);
+    BinaryConfigCreator(BinaryConfigCreator const &) = delete;
+    BinaryConfigCreator & operator=(BinaryConfigCreator const &) = delete;
+    ~BinaryConfigCreator();
+
+    // Each adds a field to the current table. False when the table has a field of that key already, which
+    // keeps its type and value, and for a null text, with which nothing is added.
+    //
+    // The type of the field is the type of the argument, so SetNumber takes exactly int or float: write 1.5f.
+    bool SetNumber(std::uint32_t key, int value);
+    bool SetNumber(char const * name, int value);
+    bool SetNumber(std::uint32_t key, float value);
+    bool SetNumber(char const * name, float value);
+    template <class Other>
+    bool SetNumber(std::uint32_t key, Other value) = delete;
+    template <class Other>
+    bool SetNumber(char const * name, Other value) = delete;
+
+    bool SetBool(std::uint32_t key, bool value);
+    bool SetBool(char const * name, bool value);
+    bool SetString(std::uint32_t key, char const * value);
+    bool SetString(char const * name, char const * value);
+    bool SetWString(std::uint32_t key, char16_t const * value);
+    bool SetWString(char const * name, char16_t const * value);
+
+    // Steps into a table of the current one. A new table is made, sorted by key or, with `unsorted`, in the
+    // order of adding, and the result is true. A field of that key that exists already is stepped into as it
+    // is, with false; if it is a value, whatever is added below it is not stored.
+    bool TablePush(std::uint32_t key, bool unsorted);
+    bool TablePush(char const * name, bool unsorted);
+
+    // Steps back to where the last TablePush came from; without one, nothing happens.
+    void TablePop();
+
+private:
+    friend class BCInternal::Access;
+
+    struct InternalEntry; // a node of the tree, in a private header
+
+    // A null name stands for an entry of which only the key is known.
+    bool setValue(std::uint32_t key, char const * name, BCTypes::FieldEntryType type, void const * value,
+                  std::size_t size);
+    bool pushTable(std::uint32_t key, char const * name, bool unsorted);
+
+    InternalEntry * FindEntry(InternalEntry const * table, std::uint32_t key, char const * name) const;
+    InternalEntry * FindEntry(InternalEntry const * table, char const * name) const;
+    InternalEntry * CreateTable(std::uint32_t key);
+    InternalEntry * CreateTable(char const * name);
+
+    InternalEntry * root;
+    InternalEntry * current;
+    std::vector<InternalEntry *> tableStack;
+    bool ownsPool;
+    _HMEMPOOL * pool;
+};
