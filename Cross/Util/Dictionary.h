@@ -90,8 +90,8 @@ public:
     }
 
 private:
-    // One text in one of the two tables. Both hold every text: `entries` by key, with the text's tag beside
-    // it, `index` by tag, with the key beside it.
+    // One text in one of the two tables. Both hold every text: `entries` by key, with the text's tag beside it,
+    // `index` by tag, with the key beside it.
     struct Entry {
         std::uint32_t order; // what the table is sorted by; 0xFFFFFFFF in a gap
         std::uint32_t other;
@@ -100,21 +100,27 @@ private:
 
     // Entries in ascending order, spread out with gaps between them: an entry belongs at the slot that its
     // order has in proportion to all 32-bit numbers, or behind its neighbours where that one is taken. Orders
-    // are hashes, so they fill the table evenly, an entry is found a step or two from where it belongs, an
+    // are hashes, so they fill the table evenly: an entry is found a step or two from where it belongs, an
     // insert moves a few neighbours into the next gap, and growing is one pass from front to back.
     struct Table {
         std::vector<Entry> slots; // ends in a gap as soon as there are any
-        std::size_t spread = 0;   // number of slots that orders belong at; behind them is overflow
+        std::size_t spread = 0;   // number of slots that orders belong at; overflow stands behind them
         std::size_t count = 0;    // entries
 
-        // First slot at or behind the place of `order` that does not hold a lower one: where the entries of
-        // that order start, or where one has to go. Needs slots.
+        // Where the entries of `order` start, or where one has to go: the first slot at or behind its own that
+        // does not hold a lower order. Null while there are no slots.
         Entry const * LowerBound(std::uint32_t order) const;
 
+        // Sees to it that the next Insert needs no memory.
+        void MakeRoom();
         void Insert(Entry const & entry);
+        void Grow();
     };
 
-    Key find(char const * text, std::size_t length, std::uint32_t tag, bool & found) const;
+    Entry const * find(char const * text, std::size_t length, std::uint32_t tag) const;
+    Entry const * findKey(std::uint32_t value) const;
+    Key intern(char const * text, std::size_t length);
+    bool lookUp(char const * text, std::size_t length, Key & key) const;
 
     Table entries;
     Table index;
