@@ -1,0 +1,36 @@
+#pragma once
+
+// What the readers of attributes have in common. Private to them.
+
+#include "Cross/engine/core/Types.h"
+#include "Cross/engine/diagnostics/Warning.h"
+
+#include <limits>
+
+namespace attributes {
+
+// Cuts the fraction; saturates at the ends of int, NaN gives 0.
+inline int ToInt(double value) {
+    constexpr int c_min = std::numeric_limits<int>::min();
+    constexpr int c_max = std::numeric_limits<int>::max();
+    if (value != value)
+        return 0;
+    if (value <= c_min)
+        return c_min;
+    return value >= c_max ? c_max : static_cast<int>(value);
+}
+
+// The lower bound is tested first and alone decides for a value below it, also when the bounds are the wrong
+// way round. NaN stays.
+inline float Clamp(float value, float min, float max) {
+    if (value < min)
+        return min;
+    return value > max ? max : value;
+}
+
+inline void WarnMissingTable(char const * table, char const * file) {
+    dbWarningfAux(FourCC("PBGM"), "TablePush(\"%s\") called on non-existant table in file \"%s\"",
+                  table ? table : "", file);
+}
+
+} // namespace attributes
