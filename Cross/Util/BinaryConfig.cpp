@@ -1,0 +1,240 @@
+#include "Cross/Util/BinaryConfig.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+
+namespace {
+
+using BCInternal::FieldInfo;
+
+constexpr unsigned int c_countSize = 4; // a table begins with the number of its fields
+
+// Images come in one block, but nothing promises that a table in it is aligned: values are copied out.
+template <class T>
+T load(void const * from) {
+    T value;
+    std::memcpy(&value, from, sizeof(value));
+    return value;
+}
+
+std::uint32_t keyOf(FieldInfo const * field) { return load<std::uint32_t>(field); }
+
+BCTypes::FieldEntryType typeOf(FieldInfo const * field) { return load<FieldInfo>(field).type; }
+
+bool isTable(BCTypes::FieldEntryType type) {
+    return type == BCTypes::Table || type == BCTypes::TableUnsorted;
+}
+
+// The first of `count` ascending fields whose key is not below `key`. Each step is a load and a conditional
+// move: where the key lies cannot be predicted.
+FieldInfo const * lowerBound(FieldInfo const * first, std::size_t count, std::uint32_t key) {
+    while (count > 0) {
+        std::size_t const half = count / 2;
+        if (keyOf(first + half) < key) {
+            first += half + 1;
+            count -= half + 1;
+        } else
+            count = half;
+    }
+    return first;
+}
+
+FieldInfo const * firstEqual(FieldInfo const * first, FieldInfo const * last, std::uint32_t key) {
+    while (first != last && keyOf(first) != key)
+        ++first;
+    return first;
+}
+
+char16_t loadUnit(char const * from) {
+    auto const low = static_cast<unsigned char>(from[0]);
+    auto const high = static_cast<unsigned char>(from[1]);
+    return static_cast<char16_t>(low | high << 8);
+}
+
+} // namespace
+
+BinaryConfig::BinaryConfig() : frames(1) {}
+
+BinaryConfig::~BinaryConfig() = default;
+
+void BinaryConfig::TablePush(std::uint32_t key) {
+    FieldInfo const * const found = FindField(key);
+    TableInfo & current = GetCurrTable();
+    GetCurrTableStack().push_back(current);
+    if (found && isTable(typeOf(found)))
+        current =
+            tableAt(current.data + load<FieldInfo>(found).offset, typeOf(found) == BCTypes::TableUnsorted);
+    else
+        SetNullTable(current);
+}
+
+void BinaryConfig::TablePush(char const * name) { TablePush(NameHash(name)); }
+
+void BinaryConfig::TablePop() {
+    std::vector<TableInfo> & stack = GetCurrTableStack();
+    if (stack.empty())
+        return;
+    GetCurrTable() = stack.back();
+    stack.pop_back();
+}
+
+void BinaryConfig::TableRootPush() {
+    TableFrame frame;
+    SetRootTable(frame.current);
+    frames.push_back(std::move(frame));
+}
+
+void BinaryConfig::TableRootPop() {
+    if (frames.size() > 1)
+        frames.pop_back();
+}
+
+bool BinaryConfig::TableExists(std::uint32_t key) const {
+    FieldInfo const * const field = FindField(key);
+    return field && isTable(typeOf(field));
+}
+
+bool BinaryConfig::TableExists(char const * name) const { return TableExists(NameHash(name)); }
+
+bool BinaryConfig::AttributeExists(std::uint32_t key) const {
+    FieldInfo const * const field = FindField(key);
+    return field && typeOf(field) <= BCTypes::WString;
+}
+
+bool BinaryConfig::AttributeExists(char const * name) const { return AttributeExists(NameHash(name)); }
+
+char const * BinaryConfig::findValue(std::uint32_t key, BCTypes::FieldEntryType type) const {
+    FieldInfo const * const found = FindField(key);
+    if (!found)
+        return nullptr;
+    FieldInfo const field = load<FieldInfo>(found);
+    return field.type == type ? GetCurrTable().data + field.offset : nullptr;
+}
+
+bool BinaryConfig::GetNumber(std::uint32_t key, int & value) const {
+    char const * const stored = findValue(key, BCTypes::Integer);
+    if (stored)
+        value = load<std::int32_t>(stored);
+    return stored != nullptr;
+}
+
+bool BinaryConfig::GetNumber(char const * name, int & value) const {
+    return GetNumber(NameHash(name), value);
+}
+
+bool BinaryConfig::GetNumber(std::uint32_t key, float & value) const {
+    char const * const stored = findValue(key, BCTypes::Float);
+    if (stored)
+        value = load<float>(stored);
+    return stored != nullptr;
+}
+
+bool BinaryConfig::GetNumber(char const * name, float & value) const {
+    return GetNumber(NameHash(name), value);
+}
+
+bool BinaryConfig::GetBool(std::uint32_t key, bool & value) const {
+    char const * const stored = findValue(key, BCTypes::Bool);
+    if (stored)
+        value = *stored != 0;
+    return stored != nullptr;
+}
+
+bool BinaryConfig::GetBool(char const * name, bool & value) const { return GetBool(NameHash(name), value); }
+
+bool BinaryConfig::GetString(std::uint32_t key, char * buffer, unsigned int size) const {
+    buffer[0] = 0;
+    char const * const stored = findValue(key, BCTypes::String);
+    if (stored && size > 0) {
+        std::strncpy(buffer, stored, size);
+        buffer[size - 1] = 0;
+    }
+    return stored != nullptr;
+}
+
+bool BinaryConfig::GetString(char const * name, char * buffer, unsigned int size) const {
+    return GetString(NameHash(name), buffer, size);
+}
+
+bool BinaryConfig::GetWString(std::uint32_t key, char16_t * buffer, unsigned int size) const {
+    buffer[0] = 0;
+    char const * stored = findValue(key, BCTypes::WString);
+    if (!stored)
+        return false;
+    if (size == 0)
+        return true;
+    unsigned int length = 0;
+    for (; length < size - 1; ++length, stored += 2) {
+        buffer[length] = loadUnit(stored);
+        if (buffer[length] == 0)
+            break;
+    }
+    std::fill(buffer + length, buffer + size, char16_t{});
+    return true;
+}
+
+bool BinaryConfig::GetWString(char const * name, char16_t * buffer, unsigned int size) const {
+    return GetWString(NameHash(name), buffer, size);
+}
+
+unsigned int BinaryConfig::GetCount() const {
+    TableInfo const & table = GetCurrTable();
+    return static_cast<unsigned int>(table.fieldsEnd - table.fieldsBegin);
+}
+
+std::uint32_t BinaryConfig::GetAt(unsigned int index) const {
+    assert(index < GetCount());
+    return keyOf(GetCurrTable().fieldsBegin + index);
+}
+
+BCTypes::FieldEntryType BinaryConfig::GetTypeFromIndex(unsigned int index) const {
+    assert(index < GetCount());
+    return typeOf(GetCurrTable().fieldsBegin + index);
+}
+
+void BinaryConfig::GetFieldInfos(std::vector<FieldInfo const *> & fields) const {
+    TableInfo const & table = GetCurrTable();
+    for (FieldInfo const * field = table.fieldsBegin; field != table.fieldsEnd; ++field)
+        fields.push_back(field);
+}
+
+FieldInfo const * BinaryConfig::FindField(std::uint32_t key) const {
+    TableInfo const & table = GetCurrTable();
+    return table.fieldsBegin ? FindFieldInfo(table, key) : nullptr;
+}
+
+FieldInfo const * BinaryConfig::FindFieldInfo(TableInfo const & table, std::uint32_t key) const {
+    auto const count = static_cast<std::size_t>(table.fieldsEnd - table.fieldsBegin);
+    FieldInfo const * const found = table.unsorted ? firstEqual(table.fieldsBegin, table.fieldsEnd, key)
+                                                   : lowerBound(table.fieldsBegin, count, key);
+    return found != table.fieldsEnd && keyOf(found) == key ? found : nullptr;
+}
+
+BinaryConfig::TableInfo BinaryConfig::tableAt(char const * position, bool unsorted) {
+    TableInfo table;
+    table.fieldsBegin = reinterpret_cast<FieldInfo const *>(position + c_countSize);
+    table.fieldsEnd = table.fieldsBegin + load<std::uint32_t>(position);
+    table.data = reinterpret_cast<char const *>(table.fieldsEnd);
+    table.unsorted = unsorted;
+    return table;
+}
+
+void BinaryConfig::SetNullTable(TableInfo & table) const { table = TableInfo(); }
+
+void BinaryConfig::SetRootTable(TableInfo & table) const {
+    bool const hasCount = data && dataSize >= c_countSize;
+    if (hasCount && load<std::uint32_t>(data.get()) <= (dataSize - c_countSize) / sizeof(FieldInfo))
+        table = tableAt(data.get(), false);
+    else
+        SetNullTable(table);
+}
+
+void BinaryConfig::SetData(ast::scoped_array<char> & holder, unsigned int size) {
+    assert(!data || (frames.size() == 1 && GetCurrTableStack().empty()));
+    data.swap(holder);
+    dataSize = size;
+    SetRootTable(GetCurrTable());
+}
+
+void BinaryConfig::SetFilename(char const * name) { filename = name; }

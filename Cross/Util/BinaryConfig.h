@@ -149,6 +149,7 @@ private:
 
     std::vector<TableInfo> const & GetCurrTableStack() const { return frames.back().stack; }
 
+    static TableInfo tableAt(char const * position, bool unsorted);
     void SetNullTable(TableInfo & table) const;
 
     // The null table when there is no image, or one whose root does not fit it: an image of the other byte

@@ -17,6 +17,7 @@
 #include "Cross/engine/core/Export.h"
 #include "Cross/engine/memory/MemPool.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -66,15 +67,19 @@ private:
 
     struct InternalEntry; // a node of the tree, in a private header
 
-    // A null name stands for an entry of which only the key is known.
-    bool setValue(std::uint32_t key, char const * name, BCTypes::FieldEntryType type, void const * value,
-                  std::size_t size);
-    bool pushTable(std::uint32_t key, char const * name, bool unsorted);
-
     InternalEntry * FindEntry(InternalEntry const * table, std::uint32_t key, char const * name) const;
     InternalEntry * FindEntry(InternalEntry const * table, char const * name) const;
     InternalEntry * CreateTable(std::uint32_t key);
     InternalEntry * CreateTable(char const * name);
+
+    // A null name stands for a field of which only the key is known.
+    InternalEntry * createEntry(std::uint32_t key, char const * name, BCTypes::FieldEntryType type,
+                                void const * value, std::size_t size);
+    bool addField(std::uint32_t key, char const * name, BCTypes::FieldEntryType type, void const * value,
+                  std::size_t size);
+    void addTable(InternalEntry * table, bool unsorted);
+    void addChild(InternalEntry * entry);
+    void enter(InternalEntry * table);
 
     InternalEntry * root;
     InternalEntry * current;
