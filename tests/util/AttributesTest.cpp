@@ -1,1 +1,489 @@
+#include "Cross/Util/AttributesBinary.h"
+#include "Cross/Util/AttributesEmpty.h"
+#include "Cross/Util/AttributesLua.h"
+
+#include "Cross/Util/BinaryConfig.h"
+#include "Cross/Util/BinaryConfigCreator.h"
+#include "Cross/Util/BinaryConfigIO.h"
+#include "Cross/engine/core/Types.h"
+#include "Cross/engine/scriptconfig/LuaConfig.h"
+#include "tests/support/WarningCapture.h"
+
 #include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <sstream>
+
+namespace {
+
+constexpr unsigned int c_native = 1;
+constexpr int c_intMin = std::numeric_limits<int>::min();
+constexpr int c_intMax = std::numeric_limits<int>::max();
+
+// The same values as a binary table and as a script, with a reader over each.
+class AttributesTest : public testing::Test {
+protected:
+    AttributesTest() {
+        BinaryConfigCreator creator;
+        creator.SetNumber("half", 0.5f);
+        creator.SetNumber("zero", 0.0f);
+        creator.SetNumber("nan", std::nanf(""));
+        creator.SetNumber("debt", -1.9f);
+        creator.SetNumber("count", 7);
+        creator.SetNumber("nothing", 0);
+        creator.SetBool("on", true);
+        creator.SetBool("off", false);
+        creator.SetString("tag", "12");
+        creator.SetWString("title", u"\u00E9t\u00E9");
+        creator.TablePush("sub", false);
+        creator.SetNumber("depth", 1);
+        creator.TablePush("inner", true);
+        creator.SetNumber("depth", 2);
+        BinaryConfigIO::CreateBinaryConfig(creator, table, c_native);
+
+        EXPECT_TRUE(
+            script.RunString("half = 0.5 zero = 0 nan = 0/0 debt = -1.9 count = 7 nothing = 0 on = true "
+                             "off = false tag = '12' title = '\xC3\xA9t\xC3\xA9' "
+                             "sub = { depth = 1, inner = { depth = 2 } }",
+                             false));
+    }
+
+    BinaryConfig table;
+    LuaConfig script{"level.lua", false};
+    AttributesBinary binary{table, "level.table"};
+    AttributesLua lua{&script, "level"};
+    AttributesEmpty empty{"nothing"};
+};
+
+// Everything that a name or a key reads as, by way of the interface: the kinds of read that succeed with
+// their values. Checks on the way that failed reads leave behind what the interface promises.
+template <class NameOrKey>
+std::string reads(AttributesInterface const & reader, NameOrKey const & which) {
+    std::ostringstream all;
+    all << (reader.AttributeExists(which) ? "attribute" : reader.TableExists(which) ? "table" : "none");
+
+    int integer = -77;
+    if (reader.GetNumber(which, integer))
+        all << " int " << integer;
+    else
+        EXPECT_EQ(integer, -77) << which;
+
+    float number = -77.0f;
+    if (reader.GetNumber(which, number))
+        all << " float " << number;
+    else
+        EXPECT_EQ(number, -77.0f) << which;
+
+    bool flag = true;
+    if (reader.GetBool(which, flag))
+        all << " bool " << flag;
+
+    char text[16] = "left over";
+    if (reader.GetString(which, text, sizeof(text)))
+        all << " text " << text;
+    else
+        EXPECT_STREQ(text, "") << which;
+
+    char16_t wide[16] = u"left over";
+    if (reader.GetWString(which, wide, 16))
+        all << " wide " << std::u16string(wide).size();
+    else
+        EXPECT_EQ(wide[0], u'\0') << which;
+    return all.str();
+}
+
+// The key of a field of the script's current table.
+std::uint32_t scriptKey(LuaConfig & script, char const * wanted) {
+    char name[256];
+    for (unsigned int i = 0; script.AtEntry(i, name, sizeof(name)); ++i)
+        if (std::strcmp(name, wanted) == 0)
+            return i;
+    return std::numeric_limits<std::uint32_t>::max();
+}
+
+TEST_F(AttributesTest, OneReadingCodeOverAllReaders) {
+    struct Case {
+        char const * name;
+        char const * binaryByName;
+        char const * binaryByKey;
+        char const * scriptEither;
+    };
+
+    Case const cases[] = {
+        // in a binary table a float also reads as an int and as a flag, but only by name
+        {"half", "attribute int 0 float 0.5 bool 1", "attribute float 0.5", "attribute int 0 float 0.5"},
+        {"zero", "attribute int 0 float 0 bool 0", "attribute float 0", "attribute int 0 float 0"},
+        {"debt", "attribute int -1 float -1.9 bool 1", "attribute float -1.9", "attribute int -1 float -1.9"},
+        // an integer reads as nothing else; numbers of scripts are all alike
+        {"count", "attribute int 7", "attribute int 7", "attribute int 7 float 7"},
+        {"nothing", "attribute int 0", "attribute int 0", "attribute int 0 float 0"},
+        {"on", "attribute bool 1", "attribute bool 1", "attribute bool 1"},
+        {"off", "attribute bool 0", "attribute bool 0", "attribute bool 0"},
+        // texts are never numbers; a script has one kind of text, a binary table has two
+        {"tag", "attribute text 12", "attribute text 12", "attribute text 12 wide 2"},
+        {"title", "attribute wide 3", "attribute wide 3", "attribute text \xC3\xA9t\xC3\xA9 wide 3"},
+        // a table is no attribute, and names are exact
+        {"sub", "table", "table", "table"},
+        {"depth", "none", "none", "none"},
+        {"Half", "none", "none", "none"},
+        {"", "none", "none", "none"},
+    };
+    for (Case const & c : cases) {
+        EXPECT_EQ(reads(binary, c.name), c.binaryByName) << c.name;
+        EXPECT_EQ(reads(binary, NameHash(c.name)), c.binaryByKey) << c.name;
+        EXPECT_EQ(reads(lua, c.name), c.scriptEither) << c.name;
+        EXPECT_EQ(reads(lua, scriptKey(script, c.name)), c.scriptEither) << c.name;
+        EXPECT_EQ(reads(empty, c.name), "none") << c.name;
+        EXPECT_EQ(reads(empty, NameHash(c.name)), "none") << c.name;
+    }
+}
+
+TEST_F(AttributesTest, FlagOfAFailedRead) {
+    struct Case {
+        AttributesInterface const & reader;
+        std::uint32_t key;
+        bool byName;
+        bool byKey;
+    };
+
+    // The name form clears the flag where there is data; the key form leaves it, but in a script it is the
+    // name form of the field that it finds.
+    Case const cases[] = {
+        {binary, NameHash("count"), false, true},
+        {lua, scriptKey(script, "count"), false, false},
+        {lua, lua.GetCount(), false, true},
+        {empty, 0, true, true},
+    };
+    for (Case const & c : cases) {
+        bool flag = true;
+        EXPECT_FALSE(c.reader.GetBool("count", flag));
+        EXPECT_EQ(flag, c.byName) << c.reader.GetDebugName();
+        flag = true;
+        EXPECT_FALSE(c.reader.GetBool(c.key, flag));
+        EXPECT_EQ(flag, c.byKey) << c.reader.GetDebugName();
+    }
+    bool flag = false;
+    EXPECT_FALSE(binary.GetBool(NameHash("half"), flag));
+    EXPECT_FALSE(flag);
+    EXPECT_TRUE(binary.GetBool("nan", flag)); // not equal to 0
+    EXPECT_TRUE(flag);
+}
+
+TEST_F(AttributesTest, NumbersCutTheirFractionAndSaturate) {
+    struct Case {
+        double number;
+        int want;
+        int wantFromFloat;
+    };
+
+    double const infinity = std::numeric_limits<double>::infinity();
+    Case const cases[] = {
+        {0.99, 0, 0},
+        {-0.99, 0, 0},
+        {-1.9, -1, -1},
+        {2147483520.0, 2147483520, 2147483520}, // the last float below 2^31
+        {2147483647.5, c_intMax, c_intMax},
+        {2147483648.0, c_intMax, c_intMax},
+        {-2147483648.0, c_intMin, c_intMin},
+        {-2147483648.9, c_intMin, c_intMin},
+        {1e30, c_intMax, c_intMax},
+        {-1e30, c_intMin, c_intMin},
+        {infinity, c_intMax, c_intMax},
+        {-infinity, c_intMin, c_intMin},
+        {std::nan(""), 0, 0},
+        // a script's number reaches the int without a stop at float, which would round it
+        {16777217.0, 16777217, 16777216},
+        {2147483646.9, 2147483646, c_intMax},
+    };
+    for (Case const & c : cases) {
+        BinaryConfigCreator creator;
+        creator.SetNumber("n", static_cast<float>(c.number));
+        BinaryConfigIO::CreateBinaryConfig(creator, table, c_native);
+        script.SetNumber("n", c.number);
+        int value = -77;
+        EXPECT_TRUE(binary.GetNumber("n", value));
+        EXPECT_EQ(value, c.wantFromFloat) << c.number;
+        EXPECT_TRUE(lua.GetNumber("n", value));
+        EXPECT_EQ(value, c.want) << c.number;
+        EXPECT_TRUE(lua.GetNumber(scriptKey(script, "n"), value));
+        EXPECT_EQ(value, c.want) << c.number;
+    }
+    script.SetNumber("n", 1e300);
+    float value = 0.0f;
+    EXPECT_TRUE(lua.GetNumber("n", value));
+    EXPECT_EQ(value, std::numeric_limits<float>::infinity());
+    EXPECT_TRUE(lua.GetNumber("nan", value));
+    EXPECT_TRUE(std::isnan(value));
+}
+
+TEST_F(AttributesTest, RangeReadsClamp) {
+    struct Case {
+        char const * name;
+        float min, max, want;
+    };
+
+    Case const cases[] = {
+        {"debt", 0, 10, 0},
+        {"half", 0, 10, 0.5f},
+        {"half", 0.5f, 0.5f, 0.5f},
+        {"half", -1, 0.25f, 0.25f},
+        // bounds the wrong way round: the lower one is tested first and decides
+        {"half", 10, -10, 10},
+        {"half", 0, -10, -10},
+    };
+    for (AttributesInterface * reader :
+         {static_cast<AttributesInterface *>(&binary), static_cast<AttributesInterface *>(&lua)}) {
+        float value = 0.0f;
+        for (Case const & c : cases) {
+            EXPECT_TRUE(reader->GetNumber(c.name, c.min, c.max, value));
+            EXPECT_EQ(value, c.want) << c.name << " in " << c.min << ", " << c.max;
+        }
+        EXPECT_TRUE(reader->GetNumber("nan", 0, 1, value));
+        EXPECT_TRUE(std::isnan(value));
+        value = -77.0f;
+        EXPECT_FALSE(reader->GetNumber("tag", 0, 1, value));
+        EXPECT_FALSE(reader->GetNumber("missing", 0, 1, value));
+        EXPECT_EQ(value, -77.0f);
+    }
+    float value = -77.0f;
+    EXPECT_FALSE(binary.GetNumber("count", 0, 10, value)); // an integer is no float
+    EXPECT_FALSE(empty.GetNumber("count", 0, 10, value));
+    EXPECT_EQ(value, -77.0f);
+    EXPECT_TRUE(lua.GetNumber("count", 0, 5, value));
+    EXPECT_EQ(value, 5.0f);
+}
+
+template <class Reader>
+class Doubling : public Reader {
+public:
+    using Reader::GetNumber;
+    using Reader::Reader;
+
+    bool GetNumber(char const * name, float & value) const override {
+        bool const found = Reader::GetNumber(name, value);
+        value *= 2;
+        return found;
+    }
+};
+
+TEST_F(AttributesTest, RangeReadOfATableGoesThroughTheVirtualRead) {
+    float value = 0.0f;
+    EXPECT_TRUE(Doubling<AttributesBinary>(table, "").GetNumber("half", 0, 10, value));
+    EXPECT_EQ(value, 1.0f);
+    EXPECT_TRUE(Doubling<AttributesLua>(&script, "").GetNumber("half", 0, 10, value));
+    EXPECT_EQ(value, 0.5f);
+}
+
+TEST_F(AttributesTest, TextsAreCutAndASizeOfZeroWritesNoMoreThanItMust) {
+    std::uint32_t const tag = NameHash("tag");
+    char text[3];
+    char16_t wide[3];
+    for (AttributesInterface * reader :
+         {static_cast<AttributesInterface *>(&binary), static_cast<AttributesInterface *>(&lua)}) {
+        EXPECT_TRUE(reader->GetString("tag", text, 2));
+        EXPECT_STREQ(text, "1");
+        EXPECT_TRUE(reader->GetWString("title", wide, 3));
+        EXPECT_EQ(std::u16string(wide), u"\u00E9t");
+    }
+
+    struct Case {
+        AttributesInterface const & reader;
+        std::uint32_t key;
+        bool nameClears;
+    };
+
+    Case const cases[] = {{binary, tag, true}, {lua, scriptKey(script, "tag"), false}, {empty, tag, true}};
+    for (Case const & c : cases) {
+        text[0] = 'x';
+        wide[0] = u'x';
+        c.reader.GetString("tag", text, 0);
+        c.reader.GetWString("tag", wide, 0);
+        EXPECT_EQ(text[0], c.nameClears ? '\0' : 'x') << c.reader.GetDebugName();
+        EXPECT_EQ(wide[0], c.nameClears ? u'\0' : u'x') << c.reader.GetDebugName();
+        c.reader.GetString(c.key, text, 0);
+        c.reader.GetWString(c.key, wide, 0);
+        EXPECT_EQ(text[0], '\0') << c.reader.GetDebugName();
+        EXPECT_EQ(wide[0], u'\0') << c.reader.GetDebugName();
+    }
+}
+
+int depthOf(AttributesInterface const & reader) {
+    int depth = 0;
+    reader.GetNumber("depth", depth);
+    return depth;
+}
+
+// Walks the whole tree by the keys of GetAt alone and gives the sum of all "depth".
+int sumDepths(AttributesInterface & reader) {
+    int sum = depthOf(reader);
+    for (unsigned int i = 0; i < reader.GetCount(); ++i) {
+        std::uint32_t const key = reader.GetAt(i);
+        if (!reader.TableExists(key))
+            continue;
+        reader.TablePush(key);
+        sum += sumDepths(reader);
+        reader.TablePop();
+    }
+    return sum;
+}
+
+TEST_F(AttributesTest, TheCursorWalksInAndOut) {
+    WarningCapture warnings(FourCC("PBGM"));
+    for (AttributesInterface * reader :
+         {static_cast<AttributesInterface *>(&binary), static_cast<AttributesInterface *>(&lua)}) {
+        EXPECT_EQ(reader->GetCount(), 11u);
+        EXPECT_EQ(sumDepths(*reader), 3);
+        reader->TablePush("sub");
+        reader->TablePush("inner");
+        EXPECT_EQ(depthOf(*reader), 2);
+        EXPECT_EQ(reader->GetCount(), 1u);
+        reader->TableRootPush();
+        EXPECT_TRUE(reader->TableExists("sub"));
+        reader->TablePush("sub");
+        EXPECT_EQ(depthOf(*reader), 1);
+        reader->TablePop();
+        reader->TableRootPop();
+        EXPECT_EQ(depthOf(*reader), 2);
+        reader->TablePop();
+        EXPECT_EQ(depthOf(*reader), 1);
+        reader->TablePop();
+        EXPECT_EQ(reader->GetCount(), 11u);
+    }
+    EXPECT_EQ(empty.GetCount(), 0u);
+    EXPECT_EQ(empty.GetAt(5), 0u);
+    empty.TablePush("sub");
+    empty.TableRootPush();
+    empty.TableRootPop();
+    empty.TablePop();
+    EXPECT_TRUE(warnings.texts.empty());
+}
+
+TEST_F(AttributesTest, AMissingTableIsWarnedOfByNameAndEnteredAllTheSame) {
+    std::string const longName(300, 'n');
+    AttributesBinary longNamed(table, longName.c_str());
+    WarningCapture warnings(0x5042474D);
+    std::vector<std::string> expected;
+    auto const pushAndPop = [](AttributesInterface & reader, auto const & which) {
+        unsigned int const count = reader.GetCount();
+        reader.TablePush(which);
+        EXPECT_EQ(reads(reader, "half"), "none");
+        EXPECT_EQ(reader.GetCount(), 0u);
+        reader.TablePop();
+        EXPECT_EQ(reader.GetCount(), count);
+    };
+
+    pushAndPop(binary, "missing");
+    expected.push_back("TablePush(\"missing\") called on non-existant table in file \"level.table\"");
+    pushAndPop(binary, "half");
+    expected.push_back("TablePush(\"half\") called on non-existant table in file \"level.table\"");
+    pushAndPop(longNamed, "%s%n");
+    expected.push_back("TablePush(\"%s%n\") called on non-existant table in file \"" +
+                       longName.substr(0, 256) + "\"");
+    pushAndPop(binary, NameHash("missing")); // a key has no name to tell
+    EXPECT_EQ(warnings.texts, expected);
+
+    // in a script it is the script's name that tells, and the key finds the name
+    pushAndPop(lua, "half");
+    expected.push_back("TablePush(\"half\") called on non-existant table in file \"level.lua\"");
+    pushAndPop(lua, scriptKey(script, "tag"));
+    expected.push_back("TablePush(\"tag\") called on non-existant table in file \"level.lua\"");
+    lua.TablePush("missing");
+    lua.TablePop();
+    expected.push_back("TablePush(\"missing\") called on non-existant table in file \"level.lua\"");
+    EXPECT_EQ(warnings.texts, expected);
+}
+
+TEST_F(AttributesTest, AScriptPopsNoMoreThanWasPushed) {
+    script.PushTable("sub"); // the owner of the script has moved the cursor
+    lua.TablePop();
+    EXPECT_EQ(depthOf(lua), 1);
+
+    lua.TablePush("inner");
+    AttributesLua copy(lua); // knows of that push too
+    lua.TablePop();
+    lua.TablePop();
+    EXPECT_EQ(depthOf(lua), 1);
+
+    // without a field at that position nothing is pushed, so the pop has nothing to take back
+    lua.TablePush(lua.GetCount());
+    EXPECT_EQ(depthOf(lua), 1);
+    lua.TablePop();
+    EXPECT_EQ(depthOf(lua), 1);
+
+    // root pushes are no pushes
+    lua.TableRootPush();
+    lua.TablePop();
+    EXPECT_EQ(depthOf(lua), 0);
+    lua.TableRootPop();
+    EXPECT_EQ(depthOf(lua), 1);
+
+    copy.TablePop();
+    EXPECT_EQ(lua.GetCount(), 11u);
+}
+
+TEST_F(AttributesTest, ScriptNamesAreFoundByKeyUpToTheirLimit) {
+    std::string const fits(255, 'f');
+    std::string const tooLong(256, 'g');
+    LuaConfig names("", false);
+    names.SetNumber(fits.c_str(), 1);
+    names.SetNumber(tooLong.c_str(), 2);
+    names.SetNumber("7", 3); // the keys of a list come first, as numbers
+    AttributesLua reader(&names, "");
+    ASSERT_EQ(reader.GetCount(), 3u);
+    EXPECT_EQ(reads(reader, reader.GetAt(0)), "attribute int 3 float 3");
+    EXPECT_EQ(reads(reader, reader.GetAt(1)), "attribute int 1 float 1");
+    EXPECT_EQ(reads(reader, reader.GetAt(2)), "none");
+    EXPECT_EQ(reads(reader, tooLong.c_str()), "attribute int 2 float 2");
+}
+
+TEST_F(AttributesTest, TheRunningCRC) {
+    // published values of CRC-32 over "1234" and "12345678"
+    AttributesEmpty digits("");
+    EXPECT_EQ(digits.GetCRC(), 0u);
+    digits.AddCRCVal(0x34333231);
+    EXPECT_EQ(digits.GetCRC(), 0x9BE3E0A3u);
+    digits.AddCRCVal(0x38373635);
+    EXPECT_EQ(digits.GetCRC(), 0x9AE0DAAFu);
+
+    EXPECT_EQ(lua.GetCRC(), 0u);
+    lua.AddCRCVal(0x34333231);
+    EXPECT_EQ(lua.GetCRC(), 0x9BE3E0A3u);
+
+    // a binary reader starts with the identity of its table; reading adds nothing
+    AttributesEmpty identity("");
+    identity.AddCRCVal(table.GetCRC());
+    EXPECT_NE(table.GetCRC(), 0u);
+    EXPECT_EQ(binary.GetCRC(), identity.GetCRC());
+    EXPECT_EQ(AttributesBinary(table, "another").GetCRC(), identity.GetCRC());
+    reads(binary, "half");
+    EXPECT_EQ(binary.GetCRC(), identity.GetCRC());
+    binary.AddCRCVal(0);
+    EXPECT_NE(binary.GetCRC(), identity.GetCRC());
+    BinaryConfig blank;
+    EXPECT_EQ(AttributesBinary(blank, "").GetCRC(), 0x2144DF1Cu); // of four zero bytes
+}
+
+TEST_F(AttributesTest, CopiesTakeNameAndCRCAndShareTheCursor) {
+    binary.AddCRCVal(1);
+    AttributesBinary copy(binary);
+    EXPECT_EQ(copy.GetCRC(), binary.GetCRC());
+    EXPECT_STREQ(copy.GetDebugName(), "level.table");
+    copy.TablePush("sub");
+    EXPECT_EQ(depthOf(binary), 1);
+    binary.TablePop();
+    EXPECT_EQ(depthOf(copy), 0);
+
+    BinaryConfig blank;
+    AttributesBinary other(blank, "blank");
+    other = binary;
+    EXPECT_EQ(depthOf(other), 0);
+    EXPECT_EQ(other.GetCount(), 11u);
+    EXPECT_STREQ(other.GetDebugName(), "level.table");
+
+    EXPECT_STREQ(AttributesEmpty(nullptr).GetDebugName(), "");
+    EXPECT_EQ(std::strlen(AttributesEmpty(std::string(300, 'n').c_str()).GetRelativeName()), 256u);
+}
+
+} // namespace
