@@ -1,8 +1,7 @@
 #pragma once
 
 // Ties a shared library to the memory layer. Each library holds one static MMOverloads object, built at load
-// from its own module handle, so that the layer knows by name which modules are loaded while it counts their
-// memory.
+// from its own module handle, so that the layer knows which modules are loaded.
 //
 // Threads: any. Lifetime: an object registers its module from construction to destruction.
 
