@@ -3,15 +3,20 @@
 #include "Cross/Util/BinaryConfig.h"
 #include "Cross/Util/BinaryConfigCreator.h"
 #include "Cross/Util/BinaryConfigIO.h"
+#include "Cross/engine/filesystem/FilePath.h"
 #include "tools/tablesource/TableSource.h"
 
 namespace {
 
 bool build(Asset const & asset, Report & report) {
+    ByteStreamProxy const source = FilePath::OpenStream(asset.ScriptPath().c_str(), c_streamRead);
+    if (!report.Expect(static_cast<bool>(source), asset.ScriptPath() + " opens"))
+        return false;
     BinaryConfigCreator creator;
-    std::string error;
-    return report.Expect(TableSource::Build(asset.ScriptPath().c_str(), creator, error), error) &&
-           report.Expect(BinaryConfigIO::Save(asset.TablePath().c_str(), creator, 1),
+    TableSource::Report built;
+    if (!TableSource::Build(*source, creator, built))
+        return report.Expect(false, built.errors.front());
+    return report.Expect(BinaryConfigIO::Save(asset.TablePath().c_str(), creator, 1),
                          "saving " + asset.TablePath());
 }
 
