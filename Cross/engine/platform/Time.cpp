@@ -1,1 +1,64 @@
 #include "Cross/engine/platform/Time.h"
+
+#include <chrono>
+#include <ctime>
+
+namespace Plat {
+
+namespace {
+
+using Steady = std::chrono::steady_clock;
+
+constexpr std::int64_t c_realFrequency = 1'000'000'000;
+
+template <class Unit>
+std::int64_t steadyCount() {
+    return std::chrono::duration_cast<Unit>(Steady::now().time_since_epoch()).count();
+}
+
+Time::SystemTime localTime() {
+    std::time_t const now = std::time(nullptr);
+    std::tm local = {};
+    localtime_r(&now, &local);
+    auto const field = [](int value) { return static_cast<std::int16_t>(value); };
+    return {field(local.tm_year + 1900), field(local.tm_mon + 1), field(local.tm_mday), field(local.tm_wday),
+            field(local.tm_hour),        field(local.tm_min),     field(local.tm_sec)};
+}
+
+// Taken when the library loads.
+Time::SystemTime const s_start = localTime();
+
+constinit Time::ClockSource s_source;
+
+} // namespace
+
+std::int64_t Time::GetCycle() {
+    return s_source.cycle ? s_source.cycle(s_source.context) : steadyCount<std::chrono::nanoseconds>();
+}
+
+std::int64_t Time::GetCycleFreq() {
+    std::int64_t const frequency = s_source.cycleFreq ? s_source.cycleFreq(s_source.context) : 0;
+    return frequency != 0 ? frequency : c_realFrequency;
+}
+
+std::uint32_t Time::GetTimeMilliseconds() {
+    return s_source.milliseconds ? s_source.milliseconds(s_source.context)
+                                 : static_cast<std::uint32_t>(steadyCount<std::chrono::milliseconds>());
+}
+
+void Time::TimeNow(SystemTime & time) {
+    if (s_source.now)
+        s_source.now(s_source.context, time);
+    else
+        time = localTime();
+}
+
+void Time::TimeStart(SystemTime & time) { time = s_start; }
+
+Time::ClockSource Time::SetClockSource(ClockSource const & source) {
+    ClockSource const previous = s_source;
+    s_source = source;
+    return previous;
+}
+
+} // namespace Plat
