@@ -1,1 +1,3 @@
 #include "Cross/engine/filesystem/ByteStreamConverter.h"
+
+ByteStreamConverter::~ByteStreamConverter() = default;

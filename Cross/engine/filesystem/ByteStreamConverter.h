@@ -1,9 +1,10 @@
 #pragma once
 
 // Converts typed values on their way between a ByteStreamAdapter and its stream, for data that is stored for
-// another platform. The adapter tells a converter its stream; the converter owns neither.
+// another platform. The adapter tells a converter its stream at each operation, so that one converter may
+// serve several adapters in turn; it owns none of them.
 //
-// Threads and lifetime: those of the adapter that uses it.
+// Threads and lifetime: those of the adapters that use it.
 
 #include "Cross/engine/core/Export.h"
 
@@ -17,7 +18,7 @@ public:
     virtual ~ByteStreamConverter();
 
     // Each reads `count` values and gives the number of bytes read from the stream; fewer than count * sizeof
-    // is a failure, and the values are then undefined.
+    // is a failure, and what the values then hold is of no use.
     virtual unsigned int Read(double * values, unsigned int count) = 0;
     virtual unsigned int Read(float * values, unsigned int count) = 0;
     virtual unsigned int Read(std::uint64_t * values, unsigned int count) = 0;
@@ -30,8 +31,9 @@ public:
     virtual unsigned int Read(char * values, unsigned int count) = 0;
     virtual unsigned int Read(bool * values, unsigned int count) = 0; // any byte but 0 is true
 
-    // Texts in the form that WriteString gives them; see ByteStreamAdapter. The buffer forms cut to fit and
-    // always end the text, the rest of the stored text is skipped. `size` counts units of the buffer.
+    // Texts in the form that WriteString gives them: the number of units, a 32-bit word, and the units
+    // without a terminator; null counts as "". The buffer forms cut to fit and always end the text, the rest
+    // of the stored text is skipped. `size` counts units of the buffer; at 0 nothing is written into it.
     virtual void ReadString(char16_t * buffer, unsigned int size) = 0;
     virtual void ReadString(std::u16string & text) = 0;
     virtual void ReadString(char * buffer, unsigned int size) = 0;

@@ -4,15 +4,20 @@
 // readers find and skip what they do not know. A chunk is a folder, which holds chunks, or a data chunk,
 // which holds bytes; typed reads and writes go into the data chunk that is open.
 //
-// The file:  8 magic bytes 'X' 'C' 'H' 'K' CR LF 0x1A LF, then two little-endian 32-bit words: format (1) and
-// platform. A chunk:   words kind (1 folder, 2 data), id, version, body size, name length; the name's bytes;
-// the body. Words are in
-//            the byte order of the file's platform.
+// The file:   8 magic bytes 'X' 'C' 'H' 'K' CR LF 0x1A LF, then two little-endian 32-bit words: format (1)
+// and
+//             platform.
+// A chunk:    five words: kind (1 folder, 2 data), id, version, body size, name length; the bytes of the
+// name;
+//             the body. The words are in the byte order of the file's platform, and so are typed values.
+// docs/formats.md shows a file with all its bytes.
 //
-// Whether a Chunky reads or writes shows at its first operation. Any failure throws an exception derived from
-// std::exception that names the stream and the offset.
+// A file may begin anywhere in a stream and reaches to the stream's end. Whether a Chunky reads or writes
+// shows at its first operation. Any failure throws an exception derived from std::exception that names the
+// stream and the offset; a writer that failed takes no more.
 //
-// Threads: those of the stream. Lifetime: the proxy form takes the stream over, the pointer form borrows it.
+// Threads: those of the stream. Lifetime: the proxy form takes the stream over, the pointer form borrows it,
+// and nobody else moves the stream meanwhile.
 
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/filesystem/ByteStreamAdapter.h"
@@ -34,35 +39,38 @@ public:
 
     enum ChunkKind : std::uint32_t { CK_FOLDER = 1, CK_DATA = 2 };
 
-    // A chunk as it stands in the file. Offsets count bytes from the start of the stream.
+    // A chunk as it stands in the file. Offsets count bytes from the start of the stream, as the positions of
+    // the adapter do.
     struct ChunkInfo {
-        ChunkKind kind;
-        std::uint32_t id;
-        std::uint32_t version;
+        ChunkKind kind = CK_FOLDER;
+        std::uint32_t id = 0;
+        std::uint32_t version = 0;
         std::string name;
-        unsigned int headerOffset;
-        unsigned int bodyOffset;
-        unsigned int bodySize;
+        unsigned int headerOffset = 0;
+        unsigned int bodyOffset = 0;
+        unsigned int bodySize = 0;
     };
 
-    // For writing, `platform` is the byte order of the file. For reading, 0 takes the one the file was
-    // written with, and a different explicit one throws at the first read. An empty proxy or a null stream
-    // throws.
+    // For writing, `platform` is the one the file is for; 0 writes the native one, 1. For reading, 0 takes
+    // the one the file was written for, and a different explicit one throws at the first read. An empty proxy
+    // or a null stream throws.
     Chunky(ByteStreamProxy & stream, PlatformType platform);
     Chunky(ByteStream * stream, PlatformType platform);
 
-    // A writer that still has a chunk open discards its stream, so that no half file takes a good one's
-    // place. Never throws.
+    // A writer that still has a chunk open, or that failed, discards its stream, so that no half file takes a
+    // good one's place. Never throws.
     ~Chunky();
 
-    // Begin a chunk in the file or in the open folder. `sizeHint` may be any value, -1 when unknown; it is
-    // not stored. A null name is no name.
+    // Begin a chunk in the file or in the open folder. What is written through the adapter goes into the data
+    // chunk that is open, and SetStreamPos moves inside what was written of it. `sizeHint` may be any value,
+    // -1 when unknown; it is not stored. A null name is no name.
     void WriteDataChunk(std::uint32_t id, std::uint32_t version, int sizeHint);
     void WriteDataChunkName(std::uint32_t id, std::uint32_t version, char const * name, int sizeHint);
     void WriteFolderChunkName(std::uint32_t id, std::uint32_t version, char const * name);
 
     // Enter the next chunk, which must be of that kind and id and no newer than `version`; an older one is
-    // entered too. After an exception the position is what it was before.
+    // entered too. After an exception the position is what it was before. Reads through the adapter, and
+    // SetStreamPos, do not leave the chunk: one that would throws before it reads.
     ChunkHeader ReadDataChunk(std::uint32_t id, std::uint32_t version);
     ChunkHeader ReadFolderChunk(std::uint32_t id, std::uint32_t version);
 
@@ -75,6 +83,11 @@ public:
     void PopChunk();
 
 private:
-    class State;
-    std::unique_ptr<State> state;
+    class BoundedStream;
+
+    explicit Chunky(std::unique_ptr<BoundedStream> newStream);
+    void begin(ChunkKind kind, std::uint32_t id, std::uint32_t version, char const * name);
+    ChunkHeader enter(ChunkKind kind, std::uint32_t id, std::uint32_t version);
+
+    std::unique_ptr<BoundedStream> bounded;
 };

@@ -1,15 +1,24 @@
 #pragma once
 
-// The converter of this engine: stores words and floats in the byte order of a platform. Formats 0 and 1 are
-// native, every other value swaps the bytes of each value. Bytes, texts' units and structs are never swapped;
-// the length word of a text is. Failures of its void operations throw std::runtime_error.
+// The converter of this engine: stores values in the byte order of a platform. Platforms 0 and 1 are native,
+// every other one swaps the bytes of each value, of the units of wide texts and of the length word of each
+// text. Single bytes and structs stay as they are; records are not padded. A failure of the operations that
+// give no result throws std::runtime_error.
 
+#include "Cross/engine/core/Types.h"
 #include "Cross/engine/filesystem/ByteStreamConverter.h"
+
+inline constexpr PlatformType c_nativePlatform = 1;
 
 class CROSS_ENGINE_API EndianConvertor : public ByteStreamConverter {
 public:
-    explicit EndianConvertor(std::uint32_t format);
+    // `format` is a PlatformType.
+    explicit EndianConvertor(std::uint32_t format) : format(format) {}
+
     ~EndianConvertor() override;
+
+    // Whether the values of a platform have their bytes swapped.
+    static bool IsSwapped(PlatformType platform) { return platform > c_nativePlatform; }
 
     unsigned int Read(double * values, unsigned int count) override;
     unsigned int Read(float * values, unsigned int count) override;
@@ -51,5 +60,18 @@ public:
     std::uint32_t GetFormat() const override { return format; }
 
 private:
+    template <class T>
+    unsigned int readValues(T * values, unsigned int count);
+    template <class T>
+    unsigned int writeValues(T const * values, unsigned int count);
+    template <class Unit>
+    unsigned int readLength();
+    template <class Unit>
+    void readText(Unit * buffer, unsigned int size);
+    template <class Unit>
+    void readText(std::basic_string<Unit> & text);
+    template <class Unit>
+    void writeText(Unit const * text);
+
     std::uint32_t format;
 };

@@ -3,42 +3,61 @@
 // A stream in memory whose buffer grows as bytes are written.
 //
 // Threads: one. Lifetime: the stream owns its buffer until Detach gives it away. Growing moves the buffer: a
-// pointer from GetBuffer is valid until the next write.
+// pointer from GetBuffer is valid until the next write. GetStreamName gives "RamStream".
 
 #include "Cross/engine/filesystem/ByteStream.h"
 
-class CROSS_ENGINE_API RamStream : public ByteStream {
+#include <cstring>
+
+class CROSS_ENGINE_API RamStream final : public ByteStream {
 public:
     RamStream();
     ~RamStream() override;
 
-    // Starts anew with an empty stream; `size` bytes are allocated at first. Mode 2 writes, and reads back
-    // what was written; mode 1 gives an empty stream to read. False, with the stream closed, for another
-    // mode. Throws std::bad_alloc.
+    // Starts anew with an empty stream. Mode 2 writes, and reads back what was written; `size` bytes are
+    // allocated at first. Mode 1 gives an empty stream to read. False, with the stream closed, for another
+    // mode and after Discard. Throws std::bad_alloc, and then the stream is closed.
     bool Open(unsigned int size, StreamMode mode);
 
-    bool IsOpen() const override;
+    bool IsOpen() const override { return mode != 0; }
+
     unsigned int Read(void * buffer, unsigned int size) override;
 
     // Overwrites at the position and grows at the end; a gap in front of the position is filled with zeros.
-    // Throws std::bad_alloc, or std::length_error at 4 GiB, and then nothing was written.
-    unsigned int Write(void const * buffer, unsigned int size) override;
+    // Throws std::bad_alloc, or std::length_error at 4 GiB, and then nothing was written. Bytes come from
+    // outside the stream's own buffer.
+    unsigned int Write(void const * buffer, unsigned int size) override {
+        bool const inPlace = position <= length && size <= capacity - position && !IsDiscarded();
+        if (!inPlace && !prepareWrite(size))
+            return 0;
+        if (size > 0)
+            std::memcpy(bytes + position, buffer, size);
+        position += size;
+        if (position > length)
+            length = position;
+        return size;
+    }
 
     // The number of bytes written.
-    unsigned int GetLen() override;
-    StreamMode GetMode() const override;
-    bool Flush() override;
-    void SetPos(unsigned int position) override;
-    unsigned int GetPos() override;
+    unsigned int GetLen() override { return length; }
+
+    StreamMode GetMode() const override { return mode; }
+
+    bool Flush() override { return IsOpen(); }
+
+    void SetPos(unsigned int newPosition) override { position = newPosition; }
+
+    unsigned int GetPos() override { return position; }
 
     // The bytes; null before anything was allocated.
-    void * GetBuffer();
+    void * GetBuffer() { return bytes; }
 
-    // Gives the buffer away: the caller frees it with delete[] of char. The stream is closed and empty
-    // afterwards.
+    // Gives the buffer away: the caller frees it with delete[] of char. Null when nothing was allocated. The
+    // stream is closed and empty afterwards: ask GetLen first.
     void * Detach();
 
 private:
+    bool prepareWrite(unsigned int size);
     void grow(unsigned int needed);
 
     char * bytes = nullptr;
