@@ -1,13 +1,14 @@
 #pragma once
 
 // fastdelegate: a bound call, cheap to copy and without allocation: an object pointer with a member function,
-// or a plain function. The delegate does not own the object, which must outlive every call. Calling an empty
-// delegate is outside the contract; test it first. Two delegates are equal when they are bound to the same
-// object and function.
+// or a plain function. The delegate does not own the object, which must outlive every call. A delegate of a
+// null function is empty. Calling an empty delegate is outside the contract; test it first. Two delegates are
+// equal when they are bound to the same object and function, wherever in the process that was done.
 
 #include <cstddef>
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 namespace fastdelegate {
 
@@ -24,7 +25,7 @@ public:
     FastDelegate(R (*function)(Args...)) {
         if (function)
             store(nullptr, function, [](void *, unsigned char const * bytes, Args... args) -> R {
-                return load<R (*)(Args...)>(bytes)(static_cast<Args>(args)...);
+                return load<R (*)(Args...)>(bytes)(std::forward<Args>(args)...);
             });
     }
 
@@ -38,15 +39,14 @@ public:
         bindMember<T const>(const_cast<T *>(object), member);
     }
 
-    R operator()(Args... args) const { return invoke(object, function, static_cast<Args>(args)...); }
+    R operator()(Args... args) const { return invoke(object, function, std::forward<Args>(args)...); }
 
     explicit operator bool() const { return invoke != nullptr; }
 
     bool empty() const { return invoke == nullptr; }
 
     bool operator==(FastDelegate const & other) const {
-        return object == other.object && invoke == other.invoke &&
-               std::memcmp(function, other.function, sizeof(function)) == 0;
+        return object == other.object && std::memcmp(function, other.function, sizeof(function)) == 0;
     }
 
 private:
@@ -64,8 +64,10 @@ private:
 
     template <class T, class Member>
     void bindMember(void * target, Member member) {
+        if (!member)
+            return;
         store(target, member, [](void * bound, unsigned char const * bytes, Args... args) -> R {
-            return (static_cast<T *>(bound)->*load<Member>(bytes))(static_cast<Args>(args)...);
+            return (static_cast<T *>(bound)->*load<Member>(bytes))(std::forward<Args>(args)...);
         });
     }
 
@@ -79,7 +81,7 @@ private:
 
     void * object = nullptr;
     unsigned char function[c_functionSize] = {};
-    Invoke invoke = nullptr;
+    Invoke invoke = nullptr; // each library has a forwarder of its own, so equality leaves it out
 };
 
 } // namespace fastdelegate

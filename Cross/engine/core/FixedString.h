@@ -40,7 +40,9 @@ public:
 
     bool empty() const { return characters[0] == Char{}; }
 
-    bool operator==(Char const * text) const { return std::strncmp(characters, text, N + 1) == 0; }
+    bool operator==(Char const * text) const {
+        return std::strncmp(characters, text ? text : "", N + 1) == 0;
+    }
 
 private:
     // The tail is filled with zeros, so that equal texts are equal bytes. `text` may lie inside this object.

@@ -13,6 +13,7 @@ namespace ast {
 
 template <class T, std::size_t N, class Allocator = std::allocator<T>>
 class smallvector {
+    static_assert(N > 0);
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
 public:

@@ -7,11 +7,16 @@
 
 #include <limits>
 #include <new>
+#include <type_traits>
 
 template <class T>
 class PoolAllocator {
 public:
     using value_type = T;
+
+    // Containers of two pools may swap; each pool goes with its blocks. Assignment leaves a container its
+    // pool.
+    using propagate_on_container_swap = std::true_type;
 
     // A null pool means the default pool.
     explicit PoolAllocator(_HMEMPOOL * pool) : pool(pool ? pool : MemPoolDefault()) {}
