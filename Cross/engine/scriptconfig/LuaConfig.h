@@ -8,7 +8,11 @@
 // is no table). Callers who push a table through the raw state therefore direct these operations to it.
 //
 // Field names: canonical digits up to 2^53 ("7", not "007") reach the number key of that value; a set goes to
-// the key that exists, else to the number key. Access is raw: metatables of script tables are not asked.
+// the key that exists, else to the number key. A null name counts as "". Access is raw: metatables of script
+// tables are not asked.
+//
+// Failures: a set, clear or push that Lua has no memory for is traced and changes nothing; nothing that Lua
+// raises leaves these operations. What C++ allocates here throws std::bad_alloc, a new state included.
 //
 // Threads: a state belongs to one thread at a time. Lifetime: names and iterators are copies and stay valid;
 // the raw state lives as long as the object.
@@ -28,9 +32,10 @@ public:
     enum LuaType : unsigned int { LT_NONE = 0, LT_BOOLEAN = 1, LT_NUMBER = 2, LT_STRING = 3, LT_TABLE = 4 };
 
     // A walk over the fields of one table, taken as a snapshot of its names: whole-number keys from 0
-    // ascending, then text keys in byte order; other keys are left out. The kind is looked up when the walk
-    // gets there, so a field that went meanwhile has LT_NONE. The table stays alive as long as the iterator,
-    // which must not outlive the state.
+    // ascending, then text keys in byte order; other keys, which no name reaches, are left out, as is in the
+    // globals what the constructor put there. The kind is looked up when the walk gets there, so a field that
+    // went meanwhile has LT_NONE. The table stays alive as long as the iterator, which must not outlive the
+    // state.
     class CROSS_ENGINE_API Iterator {
     public:
         Iterator();
@@ -50,14 +55,18 @@ public:
     private:
         friend class LuaConfig;
         struct Walk;
+
+        bool isAtEnd() const;
+
         std::shared_ptr<Walk> walk;
         std::size_t position = 0;
     };
 
     // A new state. The name is for messages; null counts as "". `flag` true makes a script state: Lua's
-    // standard libraries, and the script libraries of the process. False makes a data state, for files of
-    // values: its globals are empty; behind them scripts see the base library without its loaders, string,
-    // table and math. Neither runs bytecode.
+    // standard libraries, whose loaders find files by FilePath. False makes a data state, for files of
+    // values: its globals are empty; behind them scripts see the base library, string, table and math,
+    // without what loads code, reaches environments or steers the collector, and with patterns of at most
+    // 1,000 characters. Neither runs bytecode.
     LuaConfig(char const * name, bool flag);
     LuaConfig(LuaConfig const &) = delete;
     LuaConfig & operator=(LuaConfig const &) = delete;
@@ -65,7 +74,8 @@ public:
 
     char const * GetName() const;
 
-    // The raw state. Whoever changes the stack puts it back.
+    // The raw state. Whoever changes the stack puts it back, and leaves eight free slots when calling
+    // operations of this class.
     lua_State * GetState();
 
     // Runs script text; true on success. `flag` true traces Lua's message on failure. The cursor is as
@@ -80,7 +90,9 @@ public:
     void PushTable(unsigned int index);
     void PushTableGlobals();
 
-    // Leaves the table entered last. Never leaves the globals at the bottom.
+    // Leaves the table entered last. Never leaves the globals at the bottom. There is room for some 8,000
+    // tables on the way down: a push beyond that leaves the cursor where it is, is traced once, and takes one
+    // pop, like any other.
     void PopTable();
 
     // The number of fields that a walk visits, and their names in its order. AtEntry cuts the name to fit and
@@ -114,8 +126,8 @@ private:
     std::unique_ptr<Data> data;
 };
 
-// The same on the current table with other value types. The getters give false, with `value` untouched (but
-// for LCGetWString), when the field is missing or of another kind.
+// The same on the current table with other value types. The getters give false, with the output untouched,
+// when the field is missing or of another kind.
 CROSS_ENGINE_API bool LCGetBool(LuaConfig & config, char const * name, bool & value);
 CROSS_ENGINE_API bool LCGetFloat(LuaConfig & config, char const * name, float & value);
 CROSS_ENGINE_API void LCSetFloat(LuaConfig & config, char const * name, float value);
@@ -126,7 +138,7 @@ CROSS_ENGINE_API void LCSetULong(LuaConfig & config, char const * name, std::uin
 
 CROSS_ENGINE_API bool LCGetString(LuaConfig & config, char const * name, std::string & value);
 
-// A UTF-8 text as UTF-16, cut to `size` - 1 units and ended with 0; bad UTF-8 becomes U+FFFD. Size 0 gives
-// false.
+// A UTF-8 text as UTF-16, cut to `size` - 1 units, never between the two of one character, and ended with 0;
+// bad UTF-8 becomes U+FFFD. Size 0 gives false.
 CROSS_ENGINE_API bool LCGetWString(LuaConfig & config, char const * name, char16_t * buffer,
                                    unsigned int size);
