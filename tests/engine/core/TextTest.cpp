@@ -1,1 +1,105 @@
+#include "Cross/engine/core/Text.h"
+
+#include "tests/support/CommaLocale.h"
+
 #include <gtest/gtest.h>
+
+TEST(Text, LowersTheLettersOfAsciiOnly) {
+    char text[] = "@AZ[`az{ \xC3\x84\xDE 0";
+    text::ToLower(text);
+    EXPECT_STREQ(text, "@az[`az{ \xC3\x84\xDE 0");
+    text::ToLower(nullptr);
+}
+
+TEST(Text, ComparesWithoutCase) {
+    struct Case {
+        char const * left;
+        char const * right;
+        int sign;
+    };
+
+    constexpr Case c_cases[] = {
+        {"", "", 0},
+        {"Sword", "sWORD", 0},
+        // a start of the other comes first
+        {"sword", "swords", -1},
+        {"a", "", 1},
+        // the order is that of lower-case letters: '_' stands between the two cases
+        {"_", "A", -1},
+        {"[", "a", -1},
+        // bytes above 127 have no case and come last
+        {"\xC4", "\xE4", -1},
+        {"z", "\x80", -1},
+    };
+    for (Case const & each : c_cases) {
+        int const order = text::CompareNoCase(each.left, each.right);
+        EXPECT_EQ((order > 0) - (order < 0), each.sign) << each.left << " and " << each.right;
+        EXPECT_EQ(text::EqualNoCase(each.left, each.right), each.sign == 0)
+            << each.left << " and " << each.right;
+    }
+}
+
+TEST(Text, CopiesWhatFits) {
+    struct Case {
+        char const * source;
+        std::size_t size;
+        char const * result; // null: nothing is written
+        bool whole;
+    };
+
+    constexpr Case c_cases[] = {
+        {"abc", 4, "abc", true}, {"abc", 3, "ab", false}, {"abc", 1, "", false},
+        {"", 1, "", true},       {nullptr, 4, "", true},  {"abc", 0, nullptr, false},
+    };
+    for (Case const & each : c_cases) {
+        char buffer[8] = "#######";
+        EXPECT_EQ(text::CopyCut(buffer, each.size, each.source), each.whole);
+        EXPECT_STREQ(buffer, each.result ? each.result : "#######");
+    }
+
+    char overlapping[] = "path/name";
+    EXPECT_TRUE(text::CopyCut(overlapping, sizeof(overlapping), overlapping + 5));
+    EXPECT_STREQ(overlapping, "name");
+}
+
+TEST(Text, PrintsTextsOfAnyLength) {
+    for (std::size_t length : {0u, 1u, 1022u, 1023u, 1024u, 1025u, 100000u}) {
+        std::string const inner(length, 'x');
+        std::string out = "before";
+        text::Printf(out, "<%s>", inner.c_str());
+        EXPECT_EQ(out, "<" + inner + ">") << length;
+        text::Printf(out, "%s%s", out.c_str(), out.c_str()); // an argument may be the old text
+        EXPECT_EQ(out, "<" + inner + "><" + inner + ">") << length;
+    }
+}
+
+TEST(Text, PrintsIntoBuffers) {
+    char buffer[6] = "#####";
+    EXPECT_EQ(text::PrintfCut(buffer, 0, "%d", 12345), 5u);
+    EXPECT_STREQ(buffer, "#####");
+    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "%d", 12345), 5u);
+    EXPECT_STREQ(buffer, "12345");
+    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "%d", 123456), 6u);
+    EXPECT_STREQ(buffer, "12345");
+}
+
+// The C locale has no euro sign, so the C library refuses this one.
+TEST(Text, ARefusedFormatGivesNothing) {
+    std::string out = "before";
+    text::Printf(out, "price %ls", L"\u20AC");
+    EXPECT_EQ(out, "");
+    char buffer[] = "before";
+    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "price %ls", L"\u20AC"), 0u);
+    EXPECT_STREQ(buffer, "");
+}
+
+TEST(Text, NumbersHaveAPointUnderAnyLocale) {
+    CommaLocale const comma;
+    std::string out;
+    text::Printf(out, "%.2f", 1234.5);
+    EXPECT_EQ(out, "1234.50");
+    char buffer[16];
+    text::PrintfCut(buffer, sizeof(buffer), "%g", 0.5);
+    EXPECT_STREQ(buffer, "0.5");
+    EXPECT_TRUE(comma.IsCurrent()) << "the caller's locale must be back";
+}
