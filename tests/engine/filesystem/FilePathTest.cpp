@@ -1,1 +1,312 @@
+#include "Cross/engine/filesystem/FilePath.h"
+#include "Cross/engine/filesystem/FilePathHDRaw.h"
+#include "tests/support/TemporaryFolder.h"
+
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <sys/stat.h>
+
+namespace {
+
+namespace stdfs = std::filesystem;
+
+std::string readAll(ByteStream & stream) {
+    std::string content(stream.GetLen(), '\0');
+    content.resize(stream.Read(content.data(), static_cast<unsigned int>(content.size())));
+    return content;
+}
+
+// What a path opens to for reading; "-" when it does not open.
+std::string contentOf(std::string const & path) {
+    ByteStreamProxy const stream = FilePath::OpenStream(path.c_str(), c_streamRead);
+    return stream ? readAll(*stream) : "-";
+}
+
+bool canWrite(std::string const & path) {
+    ByteStreamProxy const stream = FilePath::OpenStream(path.c_str(), c_streamWrite);
+    return stream && stream->Write("new", 3) == 3;
+}
+
+// "DATA:" leads to "root"; beside it lies what no aliased path may reach.
+class FilePathTest : public testing::Test {
+protected:
+    FilePathTest() {
+        folder.WriteFile("root/Art/Tank.tga", "tank");
+        folder.WriteFile("root/plain.txt", "plain");
+        folder.WriteFile("root/a", "small a");
+        folder.WriteFile("root/A", "big A");
+        folder.WriteFile("outside.txt", "outside");
+        FilePath::SetAlias("DATA", (folder / "root").c_str());
+    }
+
+    ~FilePathTest() override { FilePath::RemoveAlias("DATA"); }
+
+    void link(char const * target, char const * name) const {
+        stdfs::create_symlink(target, folder / "root" / name);
+    }
+
+    struct Folder : TemporaryFolder {
+        stdfs::path operator/(char const * relative) const { return Path() / relative; }
+    } folder;
+};
+
+struct ReadCase {
+    char const * path;
+    char const * content;
+    FilePath::FILE_Type type;
+};
+
+constexpr ReadCase c_readCases[] = {
+    {"DATA:plain.txt", "plain", FilePath::FT_FILE},
+    // case of alias and components is ignored
+    {"data:PLAIN.TXT", "plain", FilePath::FT_FILE},
+    {"Data:art\\tank.TGA", "tank", FilePath::FT_FILE},
+    // the exact spelling first
+    {"DATA:a", "small a", FilePath::FT_FILE},
+    {"DATA:A", "big A", FilePath::FT_FILE},
+    // dots and doubled slashes inside the alias
+    {"DATA:.//art/../plain.txt", "plain", FilePath::FT_FILE},
+    // one character away
+    {"DATA:plain.tx", "-", FilePath::FT_NONE},
+    {"DAT:plain.txt", "-", FilePath::FT_NONE},
+    {"DATA;plain.txt", "-", FilePath::FT_NONE},
+    {":plain.txt", "-", FilePath::FT_NONE},
+    // a folder is no file, and a file no folder
+    {"DATA:", "-", FilePath::FT_DIRECTORY},
+    {"DATA:art", "-", FilePath::FT_DIRECTORY},
+    {"DATA:art/", "-", FilePath::FT_DIRECTORY},
+    {"DATA:plain.txt/", "-", FilePath::FT_NONE},
+    {"DATA:plain.txt/.", "-", FilePath::FT_NONE},
+    {"DATA:plain.txt/x", "-", FilePath::FT_NONE},
+    // out of the alias: by "..", by an absolute part, by a link
+    {"DATA:../outside.txt", "-", FilePath::FT_NONE},
+    {"DATA:..\\outside.txt", "-", FilePath::FT_NONE},
+    {"DATA:art/../../outside.txt", "-", FilePath::FT_NONE},
+    {"DATA:../root/plain.txt", "-", FilePath::FT_NONE},
+    {"DATA:..", "-", FilePath::FT_NONE},
+    {"DATA:/etc/passwd", "-", FilePath::FT_NONE},
+    {"DATA:\\etc\\passwd", "-", FilePath::FT_NONE},
+    {"DATA:up/outside.txt", "-", FilePath::FT_NONE},
+    {"DATA:upFile", "-", FilePath::FT_NONE},
+    {"DATA:etc/passwd", "-", FilePath::FT_NONE},
+    {"DATA:loop", "-", FilePath::FT_NONE},
+    {"DATA:dangling", "-", FilePath::FT_NONE},
+    // links inside it
+    {"DATA:alsoArt/tank.tga", "tank", FilePath::FT_FILE},
+    {"DATA:alsoArt/back", "plain", FilePath::FT_FILE},
+    {"DATA:absolute/tank.tga", "tank", FilePath::FT_FILE},
+    // what is neither file nor folder; the open must not wait for somebody at the other end
+    {"DATA:pipe", "-", FilePath::FT_NONE},
+    {"", "-", FilePath::FT_NONE},
+};
+
+TEST_F(FilePathTest, ReadsThroughAliases) {
+    link("..", "up");
+    link("../outside.txt", "upFile");
+    link("/etc", "etc");
+    link("loop", "loop");
+    link("nowhere", "dangling");
+    link("Art", "alsoArt");
+    link("../plain.txt", "Art/back");
+    link((folder / "root/Art").c_str(), "absolute");
+    ASSERT_EQ(::mkfifo((folder / "root/pipe").c_str(), 0666), 0);
+    for (ReadCase const & row : c_readCases) {
+        SCOPED_TRACE(row.path);
+        EXPECT_EQ(contentOf(row.path), row.content);
+        EXPECT_EQ(FilePath::GetFileType(row.path), row.type);
+    }
+    EXPECT_FALSE(FilePath::OpenStream("DATA:plain.txt", 0));
+    EXPECT_FALSE(FilePath::OpenStream("DATA:plain.txt", 3));
+    EXPECT_FALSE(FilePath::OpenStream(nullptr, c_streamRead));
+}
+
+TEST_F(FilePathTest, WritesInsideTheAliasOnly) {
+    link("..", "up");
+    link("../new.txt", "upFile");
+    link("target.txt", "dangling");
+    for (char const * const path :
+         {"DATA:../new.txt", "DATA:up/new.txt", "DATA:upFile", "DATA:/new.txt", "DATA:art",
+          "DATA:", "DATA:new/", "DATA:new/.", "NONE:new.txt", "DATA:plain.txt/new.txt"})
+        EXPECT_FALSE(canWrite(path)) << path;
+    EXPECT_EQ(folder.CountEntries(), 2u);
+    EXPECT_FALSE(stdfs::exists(folder / "root/new"));
+
+    // missing folders are created, existing ones are found in their own spelling; a new file keeps its own
+    EXPECT_TRUE(canWrite("DATA:ART\\New\\File.txt"));
+    EXPECT_EQ(folder.ReadFile("root/Art/New/File.txt"), "new");
+    EXPECT_TRUE(canWrite("DATA:PLAIN.txt"));
+    EXPECT_EQ(folder.ReadFile("root/plain.txt"), "new");
+    EXPECT_TRUE(canWrite("DATA:dangling"));
+    EXPECT_EQ(folder.ReadFile("root/target.txt"), "new");
+
+    // the alias's own directory too
+    ASSERT_TRUE(FilePath::SetAlias("data", (folder / "later/logs").c_str()));
+    EXPECT_EQ(FilePath::GetFileType("DATA:"), FilePath::FT_NONE);
+    EXPECT_TRUE(canWrite("DATA:x.log"));
+    EXPECT_EQ(folder.ReadFile("later/logs/x.log"), "new");
+}
+
+TEST_F(FilePathTest, RefusesBadAliases) {
+    EXPECT_FALSE(FilePath::SetAlias("", "/tmp"));
+    EXPECT_FALSE(FilePath::SetAlias(nullptr, "/tmp"));
+    EXPECT_FALSE(FilePath::SetAlias("a/b", "/tmp"));
+    EXPECT_FALSE(FilePath::SetAlias("a:", "/tmp"));
+    EXPECT_FALSE(FilePath::SetAlias("a", ""));
+    EXPECT_FALSE(FilePath::RemoveAlias("a"));
+    EXPECT_TRUE(FilePath::RemoveAlias("dAtA"));
+    EXPECT_EQ(contentOf("DATA:plain.txt"), "-");
+}
+
+TEST_F(FilePathTest, ConvertsToRealPaths) {
+    link("..", "up");
+    std::string const root = (folder / "root").string();
+
+    struct {
+        std::string path;
+        std::string converted; // "" when it cannot be
+    } const rows[] = {
+        {"DATA:", root},
+        {"DATA:ART\\TANK.tga", root + "/Art/Tank.tga"},
+        // what is not there keeps its spelling
+        {"DATA:art/New.txt", root + "/Art/New.txt"},
+        {"DATA:New/../Other/x.txt", root + "/Other/x.txt"},
+        {"DATA:up/outside.txt", ""},
+        {"DATA:../outside.txt", ""},
+        {"NONE:x", ""},
+        {"no/alias.txt", "no/alias.txt"},
+        // the result, too, has at most 259 characters
+        {"DATA:" + std::string(c_maxPath - 2 - root.size(), 'x'),
+         root + '/' + std::string(c_maxPath - 2 - root.size(), 'x')},
+        {"DATA:" + std::string(c_maxPath - 1 - root.size(), 'x'), ""},
+    };
+
+    for (auto const & row : rows) {
+        SCOPED_TRACE(row.path);
+        char path[c_maxPath];
+        std::strcpy(path, row.path.c_str());
+        EXPECT_EQ(FilePath::ConvertFromAlias(path, c_streamWrite, nullptr), !row.converted.empty());
+        EXPECT_EQ(path, row.converted.empty() ? row.path : row.converted);
+    }
+    EXPECT_FALSE(FilePath::ConvertFromAlias(nullptr, c_streamWrite, nullptr));
+}
+
+// A file whose path has `length` characters in all.
+std::string pathOfLength(std::string path, std::size_t length) {
+    while (path.size() + 102 < length) {
+        path += '/' + std::string(100, 'd');
+        stdfs::create_directories(path);
+    }
+    return path + '/' + std::string(length - path.size() - 1, 'f');
+}
+
+TEST_F(FilePathTest, RawPathsOpenAsTheyStand) {
+    std::string const plain = (folder / "root/plain.txt").string();
+    EXPECT_EQ(contentOf(plain), "plain");
+    EXPECT_EQ(contentOf((folder / "root/Plain.txt").string()), "-");
+    EXPECT_FALSE(canWrite((folder / "missing/new.txt").string()));
+    EXPECT_FALSE(canWrite((folder / "root").string()));
+    EXPECT_EQ(FilePath::GetFileType((folder / "root/").c_str()), FilePath::FT_DIRECTORY);
+
+    std::string const longest = pathOfLength(folder.Path().string(), c_maxPath - 1);
+    EXPECT_TRUE(canWrite(longest));
+    EXPECT_EQ(contentOf(longest), "new");
+    std::string const tooLong = pathOfLength(folder.Path().string(), c_maxPath);
+    EXPECT_FALSE(canWrite(tooLong));
+    EXPECT_FALSE(stdfs::exists(tooLong));
+
+    // a ':' is an ordinary character to the unaliased form
+    std::string const odd = (folder / "odd").string();
+    stdfs::create_directory(odd);
+    stdfs::current_path(odd);
+    std::unique_ptr<ByteStream> stream(FilePathHDRaw::UnaliasedFileOpen("DATA:x", c_streamWrite, false));
+    EXPECT_TRUE(stream);
+    stream.reset(FilePathHDRaw::UnaliasedFileOpen(u"DATA:x", c_streamRead, false));
+    EXPECT_TRUE(stream);
+    stream.reset(FilePathHDRaw::UnaliasedFileOpen(u"\u00E4\U0001F600", c_streamWrite, false));
+    EXPECT_TRUE(stdfs::exists(odd + "/\xC3\xA4\xF0\x9F\x98\x80"));
+    // half a surrogate pair names nothing
+    EXPECT_FALSE(FilePathHDRaw::UnaliasedFileOpen(u"\xD83D", c_streamWrite, false));
+    EXPECT_FALSE(
+        FilePathHDRaw::UnaliasedFileOpen(static_cast<char16_t const *>(nullptr), c_streamRead, false));
+    stdfs::current_path("/");
+}
+
+class OpenLog : public FilePath::Listener {
+public:
+    void OnFileOpen(char16_t const * path, char const * first, char const * second) override {
+        lines.push_back(std::string(first) + '|' + stdfs::path(path).string() + '|' + second);
+        if (leaves)
+            FilePath::DetachListener(this);
+    }
+
+    std::vector<std::string> lines;
+    bool leaves = false;
+};
+
+TEST_F(FilePathTest, ListenersHearOfEveryOpenThatSucceeds) {
+    OpenLog log;
+    FilePath::AttachListener(&log);
+    FilePath::AttachListener(&log);
+    std::string const raw = (folder / "root/plain.txt").string();
+    FilePath::OpenStream("data:Plain.txt", c_streamRead);
+    FilePath::OpenStream("DATA:missing", c_streamRead);
+    FilePath::OpenStream("DATA:plain.txt", c_streamWrite);
+    log.leaves = true; // from inside itself
+    delete FilePathHDRaw::UnaliasedFileOpen(raw.c_str(), c_streamRead, false);
+    FilePath::OpenStream("DATA:plain.txt", c_streamRead);
+    EXPECT_EQ(log.lines,
+              (std::vector<std::string>{"data|Plain.txt|read", "DATA|plain.txt|write", "|" + raw + "|read"}));
+}
+
+class SlowListener : public FilePath::Listener {
+public:
+    void OnFileOpen(char16_t const *, char const *, char const *) override {
+        inside = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        inside = false;
+        ++calls;
+    }
+
+    std::atomic<bool> inside{false};
+    std::atomic<int> calls{0};
+};
+
+TEST_F(FilePathTest, DetachWaitsForAnotherThreadInsideTheListener) {
+    SlowListener listener;
+    FilePath::AttachListener(&listener);
+    std::thread opener([] { FilePath::OpenStream("DATA:plain.txt", c_streamRead); });
+    while (!listener.inside && listener.calls == 0)
+        std::this_thread::yield();
+    FilePath::DetachListener(&listener);
+    EXPECT_FALSE(listener.inside);
+    EXPECT_EQ(listener.calls, 1);
+    opener.join();
+}
+
+// Meant for the thread sanitizer: a listener that is gone after its detach must not be touched any more.
+TEST_F(FilePathTest, OpensAndAttachesOnTwoThreads) {
+    std::atomic<bool> done{false};
+    std::thread opener([&] {
+        for (int i = 0; i < 300; ++i)
+            EXPECT_EQ(contentOf("DATA:Art/Tank.tga"), "tank");
+        done = true;
+    });
+    while (!done) {
+        OpenLog log;
+        FilePath::AttachListener(&log);
+        FilePath::SetAlias("OTHER", folder.Path().c_str());
+        FilePath::DetachListener(&log);
+    }
+    opener.join();
+    FilePath::RemoveAlias("OTHER");
+}
+
+} // namespace

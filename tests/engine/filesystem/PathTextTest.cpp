@@ -1,1 +1,151 @@
+#include "Cross/engine/filesystem/PathText.h"
+
 #include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+
+namespace {
+
+struct PathBuffer {
+    explicit PathBuffer(std::string const & path) {
+        std::memset(text, '#', sizeof(text));
+        std::memcpy(text, path.c_str(), path.size() + 1);
+    }
+
+    char text[c_maxPath];
+};
+
+struct SplitCase {
+    char const * path;
+    char const * parts[4];
+};
+
+constexpr SplitCase c_splitCases[] = {
+    {"DATA:art/tank.tga", {"DATA:", "art/", "tank", ".tga"}},
+    {"", {"", "", "", ""}},
+    // an alias alone is its root
+    {"DATA:", {"DATA:", "", "", ""}},
+    // both kinds of slash, kept as they are
+    {"DATA:\\art\\\\x/tank", {"DATA:", "\\art\\\\x/", "tank", ""}},
+    // no alias behind a slash, and none of no letters
+    {"art/DATA:x.a", {"", "art/", "DATA:x", ".a"}},
+    {"art\\DATA:x", {"", "art\\", "DATA:x", ""}},
+    {":x.a", {"", "", ":x", ".a"}},
+    // only the first ':' ends an alias
+    {"a:b:c.d", {"a:", "", "b:c", ".d"}},
+    // the last point of the last component, unless it comes first there
+    {"a.b/c", {"", "a.b/", "c", ""}},
+    {"a.b/c.d.e", {"", "a.b/", "c.d", ".e"}},
+    {"a/.profile", {"", "a/", ".profile", ""}},
+    {"log:.txt", {"log:", "", ".txt", ""}},
+    {"a/..txt", {"", "a/", ".", ".txt"}},
+    {"name.", {"", "", "name", "."}},
+    {"a.b/", {"", "a.b/", "", ""}},
+};
+
+TEST(PathText, SplitsIntoPartsThatRejoin) {
+    for (SplitCase const & row : c_splitCases) {
+        SCOPED_TRACE(row.path);
+        char parts[4][c_maxPath];
+        EXPECT_TRUE(fs::SplitPath(row.path, parts[0], parts[1], parts[2], parts[3]));
+        std::string joined;
+        for (int i = 0; i < 4; ++i) {
+            EXPECT_STREQ(parts[i], row.parts[i]);
+            joined += parts[i];
+        }
+        EXPECT_EQ(joined, row.path);
+
+        PathBuffer remade("");
+        EXPECT_TRUE(fs::MakePath(remade.text, parts[0], parts[1], parts[2], parts[3]));
+        EXPECT_STREQ(remade.text, row.path);
+
+        char bare[c_maxPath];
+        EXPECT_EQ(fs::HasAlias(row.path), row.parts[0][0] != '\0');
+        EXPECT_EQ(fs::RetrieveAlias(row.path, bare), row.parts[0][0] != '\0');
+        EXPECT_EQ(std::string(bare) + (*bare ? ":" : ""), row.parts[0]);
+        EXPECT_EQ(fs::RetrieveExtension(row.path, bare), std::strlen(row.parts[3]) > 1);
+        EXPECT_STREQ(bare, row.parts[3] + (row.parts[3][0] == '.'));
+    }
+}
+
+struct MakeCase {
+    char const * alias;
+    char const * directory;
+    char const * name;
+    char const * extension;
+    char const * path;
+};
+
+constexpr MakeCase c_makeCases[] = {
+    {"DATA", "art", "tank", "tga", "DATA:art/tank.tga"},
+    // separators that are there already are not doubled
+    {"DATA:", "art/", "tank", ".tga", "DATA:art/tank.tga"},
+    {"DATA", "art\\", "tank", "", "DATA:art\\tank"},
+    // empty parts leave nothing behind
+    {"DATA", "", "", "", "DATA:"},
+    {"DATA", "art", "", "", "DATA:art"},
+    {"", "", "tank", "tga", "tank.tga"},
+    {nullptr, nullptr, nullptr, nullptr, ""},
+};
+
+TEST(PathText, MakesPaths) {
+    for (MakeCase const & row : c_makeCases) {
+        PathBuffer path("");
+        EXPECT_TRUE(fs::MakePath(path.text, row.alias, row.directory, row.name, row.extension));
+        EXPECT_STREQ(path.text, row.path);
+    }
+}
+
+TEST(PathText, BuffersMayBeTheirOwnInput) {
+    PathBuffer path("tank");
+    EXPECT_TRUE(fs::MakePath(path.text, "DATA", "art", path.text, "tga"));
+    EXPECT_STREQ(path.text, "DATA:art/tank.tga");
+    EXPECT_TRUE(fs::SplitPath(path.text, nullptr, nullptr, path.text, nullptr));
+    EXPECT_STREQ(path.text, "tank");
+}
+
+TEST(PathText, SetsReplacesAndTakesAway) {
+    PathBuffer path("art/tank");
+    EXPECT_TRUE(fs::SetAlias(path.text, "log"));
+    EXPECT_TRUE(fs::SetExtension(path.text, "txt"));
+    EXPECT_STREQ(path.text, "log:art/tank.txt");
+    EXPECT_TRUE(fs::SetAlias(path.text, "DATA:"));
+    EXPECT_TRUE(fs::SetExtension(path.text, ".tga"));
+    EXPECT_STREQ(path.text, "DATA:art/tank.tga");
+    EXPECT_TRUE(fs::SetAlias(path.text, nullptr));
+    EXPECT_TRUE(fs::SetExtension(path.text, ""));
+    EXPECT_STREQ(path.text, "art/tank");
+}
+
+TEST(PathText, LongestPathIs259Characters) {
+    std::string const longest(c_maxPath - 1, 'a');
+    char name[c_maxPath];
+    EXPECT_TRUE(fs::SplitPath(longest.c_str(), nullptr, nullptr, name, nullptr));
+    EXPECT_EQ(name, longest);
+    EXPECT_FALSE(fs::SplitPath((longest + 'a').c_str(), nullptr, nullptr, name, nullptr));
+    EXPECT_STREQ(name, "");
+
+    PathBuffer path("");
+    EXPECT_TRUE(fs::MakePath(path.text, "", "", longest.c_str(), ""));
+    EXPECT_FALSE(fs::MakePath(path.text, "", "", longest.c_str(), "x"));
+    EXPECT_STREQ(path.text, "");
+    EXPECT_FALSE(fs::RetrieveExtension(("a." + longest + 'a').c_str(), path.text));
+
+    // what does not fit changes nothing
+    PathBuffer full(longest.substr(2) + ".");
+    EXPECT_TRUE(fs::SetExtension(full.text, "b"));
+    std::string const before = full.text;
+    EXPECT_FALSE(fs::SetExtension(full.text, "bc"));
+    EXPECT_FALSE(fs::SetAlias(full.text, "d"));
+    EXPECT_EQ(full.text, before);
+}
+
+TEST(PathText, BracketConvertGivesOneBackslashPerRun) {
+    PathBuffer path("/a//b\\/\\c.d/");
+    fs::BracketConvert(path.text);
+    EXPECT_STREQ(path.text, "\\a\\b\\c.d\\");
+    fs::BracketConvert(nullptr);
+}
+
+} // namespace
