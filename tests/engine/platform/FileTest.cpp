@@ -1,1 +1,66 @@
+#include "Cross/engine/platform/File.h"
+
 #include <gtest/gtest.h>
+
+namespace {
+
+std::string repeat(int count, std::string const & part) {
+    std::string text;
+    for (int i = 0; i < count; ++i)
+        text += part;
+    return text;
+}
+
+} // namespace
+
+TEST(File, MakesNamesLegal) {
+    struct Case {
+        char const * text;
+        char const * name;
+    };
+
+    constexpr Case c_cases[] = {
+        {"Sword of Dawn.txt", "Sword of Dawn.txt"},
+        {"a<b>c:d\"e/f\\g|h?i*j", "a_b_c_d_e_f_g_h_i_j"},
+        {"a\tb\nc\x01\x1F\x7F", "a_b_c___"},
+        // trailing points and blanks, and only those at the end
+        {" .name. x . .", " .name. x"},
+        {"name...", "name"},
+        // nothing left
+        {nullptr, "_"},
+        {"", "_"},
+        {".", "_"},
+        {"..", "_"},
+        {" . . ", "_"},
+        {"/", "_"},
+        // letters beyond ASCII stay
+        {"gr\xC3\xBC\xC3\x9F", "gr\xC3\xBC\xC3\x9F"},
+    };
+    for (Case const & each : c_cases)
+        EXPECT_EQ(Plat::File::ConvertToFilename(each.text), each.name);
+}
+
+TEST(File, CutsLongNamesBetweenCharacters) {
+    struct Case {
+        std::string text;
+        std::string name;
+    };
+
+    std::string const most(198, 'a');
+    Case const cases[] = {
+        {most + "bb", most + "bb"},
+        {most + "bbb", most + "bb"},
+        // characters of two, three and four bytes across the end
+        {most + "b\xC3\xBC", most + "b"},
+        {most + "\xC3\xBC...", most + "\xC3\xBC"},
+        {most + "\xE2\x82\xAC", most},
+        {most + "\xF0\x9F\x97\xA1", most},
+        {repeat(100, "\xF0\x9F\x97\xA1"), repeat(50, "\xF0\x9F\x97\xA1")},
+        // no UTF-8 at all
+        {std::string(300, '\x80'), std::string(200, '\x80')},
+        // the cut bares a point
+        {most + ". b", most},
+    };
+    for (Case const & each : cases)
+        EXPECT_EQ(Plat::File::ConvertToFilename(each.text.c_str()), each.name) << each.text;
+}
