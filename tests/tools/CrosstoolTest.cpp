@@ -1,0 +1,359 @@
+#include "tools/Verbs.h"
+
+#include "Cross/Util/BinaryConfigIO.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <cstring>
+#include <sstream>
+
+namespace {
+
+// Where things stand in a file that the library writes: file header, chunk header, crc and size, image.
+constexpr std::size_t c_chunkHeader = 16;
+constexpr std::size_t c_crc = 36;
+constexpr std::size_t c_image = 44;
+
+struct Result {
+    int code;
+    std::string out;
+    std::string err;
+};
+
+Result run(std::vector<std::string> arguments) {
+    std::vector<char const *> argv{"crosstool"};
+    for (std::string const & argument : arguments)
+        argv.push_back(argument.c_str());
+    std::ostringstream out, err;
+    int const code = RunCrosstool(static_cast<int>(argv.size()), argv.data(), out, err);
+    return {code, out.str(), err.str()};
+}
+
+std::string firstLine(std::string const & text) { return text.substr(0, text.find('\n')); }
+
+class Crosstool : public testing::Test {
+protected:
+    // Builds a source; the file "NAME.tbl" and the list of names "NAME.names" are in the folder then.
+    std::string Build(std::string const & name, std::string const & source) {
+        folder.WriteFile(name + ".lua", source);
+        Result const built = run({"table", "build", folder / (name + ".lua"), folder / (name + ".tbl"),
+                                  "--names", folder / (name + ".names")});
+        EXPECT_EQ(built.code, 0) << built.err;
+        return folder / (name + ".tbl");
+    }
+
+    // A small table with every type in it.
+    std::string BuildSample() {
+        return Build(
+            "sample",
+            "speed = 1.5 on = true tag = 'ab' sub = { x = -1 } wide = 'w\xC3\xA4' list = { 'p', 'q' }\n"
+            "types = { integer = { 'sub.x' }, wide = { 'wide' }, ordered = { 'list' } }");
+    }
+
+    // Rewrites a file with other bytes.
+    std::string WithBytes(std::string const & bytes) {
+        folder.WriteFile("changed.tbl", bytes);
+        return folder / "changed.tbl";
+    }
+
+    // Makes the stored crc that of the image, so that only the structure is wrong.
+    static void FixCrc(std::string & bytes) {
+        auto const image = reinterpret_cast<Bytef const *>(bytes.data() + c_image);
+        auto const crc =
+            static_cast<std::uint32_t>(crc32(0, image, static_cast<uInt>(bytes.size() - c_image)));
+        std::memcpy(bytes.data() + c_crc, &crc, sizeof(crc));
+    }
+
+    // A damaged file: verify finds it, and every other verb that reads it says the same and stops.
+    void ExpectDamaged(std::string const & path, std::string const & what, std::string const & context) {
+        Result const verified = run({"table", "verify", path});
+        EXPECT_EQ(verified.code, 1) << context;
+        EXPECT_EQ(verified.out.find("damaged: " + path), 0u) << context << verified.out;
+        EXPECT_NE(firstLine(verified.out).find(what), std::string::npos) << context << verified.out;
+        EXPECT_EQ(verified.err, "") << context;
+        Result const dumped = run({"table", "dump", path});
+        EXPECT_EQ(dumped.code, 2) << context;
+        EXPECT_EQ(dumped.out, "") << context;
+        EXPECT_EQ("damaged: " + dumped.err.substr(8), verified.out) << context;
+    }
+
+    TemporaryFolder folder;
+};
+
+TEST_F(Crosstool, GoodTablePassesThroughEveryVerb) {
+    std::string const table = BuildSample();
+    std::string const names = folder / "sample.names";
+    BinaryConfig config;
+    ASSERT_TRUE(BinaryConfigIO::LoadUnAliased(table.c_str(), config));
+    char crc[16];
+    std::snprintf(crc, sizeof(crc), "0x%08X", config.GetCRC());
+    std::string const summary =
+        table + ": 9 fields, " + std::to_string(config.GetBinaryConfigDataSize()) + " bytes, crc " + crc;
+
+    EXPECT_EQ(run({"table", "verify", table}).out, "good: " + summary + "\n");
+    EXPECT_EQ(run({"table", "crc", table}).out, crc + (" " + table) + "\n");
+    EXPECT_EQ(run({"table", "diff", table, table}).out.find("equal: "), 0u);
+    Result const dumped = run({"table", "dump", table, "--names", names});
+    EXPECT_EQ(dumped.code, 0);
+    EXPECT_EQ(dumped.out, "good: " + summary +
+                              "\n"
+                              "speed: Float 1.5\n"
+                              "on: Bool true\n"
+                              "tag: String \"ab\"\n"
+                              "wide: WString \"w\xC3\xA4\"\n"
+                              "list: TableUnsorted of 2 fields\n"
+                              "    1: String \"p\"\n"
+                              "    2: String \"q\"\n"
+                              "sub: Table of 1 field\n"
+                              "    x: Integer -1\n");
+    EXPECT_NE(run({"table", "dump", table}).out.find("\n0x12AB97D0: Float 1.5\n"), std::string::npos);
+}
+
+TEST_F(Crosstool, JsonIsValidForAnyBytes) {
+    std::string const table = Build(
+        "json", "t = { a = 'q\"\\\\\\n\\1', b = 'bad \xFF\xC3 good \xC3\xA4', c = 'w', d = 1/0, e = 0.1 }\n"
+                "types = { ordered = { 't' }, wide = { 't.c' } }");
+    std::string bytes = folder.ReadFile("json.tbl");
+    // The wide text becomes an unpaired surrogate.
+    std::size_t const wide = bytes.find(std::string("w\0\0\0", 4));
+    bytes.replace(wide, 2, "\x00\xD8", 2);
+    FixCrc(bytes);
+    Result const dumped =
+        run({"table", "dump", "--json", WithBytes(bytes), "--names", folder / "json.names"});
+    EXPECT_EQ(dumped.code, 0) << dumped.err;
+    EXPECT_EQ(firstLine(dumped.out).find("{\"verdict\": \"good\", \"file\": \""), 0u) << dumped.out;
+    EXPECT_EQ(dumped.out.substr(dumped.out.find('\n')),
+              "\n"
+              "  {\"key\": \"0x6742BE70\", \"name\": \"t\", \"type\": \"TableUnsorted\", \"fields\": [\n"
+              "    {\"key\": \"0x29EEC818\", \"name\": \"a\", \"type\": \"String\", \"value\": "
+              "\"q\\\"\\\\\\n\\u0001\"},\n"
+              "    {\"key\": \"0x54ACA597\", \"name\": \"b\", \"type\": \"String\", \"value\": \"bad "
+              "\xEF\xBF\xBD\xEF\xBF\xBD good \xC3\xA4\"},\n"
+              "    {\"key\": \"0x4FA4BEDB\", \"name\": \"c\", \"type\": \"WString\", \"value\": "
+              "\"\xEF\xBF\xBD\"},\n"
+              "    {\"key\": \"0x322F4A94\", \"name\": \"d\", \"type\": \"Float\", \"value\": \"inf\"},\n"
+              "    {\"key\": \"0xEF61EFCE\", \"name\": \"e\", \"type\": \"Float\", \"value\": 0.1}\n"
+              "  ]}\n"
+              "]}\n");
+}
+
+TEST_F(Crosstool, FindsACutAtEveryLength) {
+    BuildSample();
+    std::string const bytes = folder.ReadFile("sample.tbl");
+    for (std::size_t length = 0; length < bytes.size(); ++length)
+        ExpectDamaged(WithBytes(bytes.substr(0, length)), "offset ",
+                      "cut at " + std::to_string(length) + ": ");
+}
+
+TEST_F(Crosstool, FindsAFlipInEveryByte) {
+    BuildSample();
+    std::string const good = folder.ReadFile("sample.tbl");
+    for (std::size_t i = 0; i < good.size(); ++i) {
+        // All bits, and one, which moves along with the byte.
+        for (int const mask : {0xFF, 1 << (i % 8)}) {
+            std::string bytes = good;
+            bytes[i] = static_cast<char>(bytes[i] ^ mask);
+            ExpectDamaged(WithBytes(bytes), "offset ", "byte " + std::to_string(i) + ": ");
+        }
+    }
+}
+
+TEST_F(Crosstool, MapsFaultsToTheirPlaceInTheFile) {
+    BuildSample();
+    std::string const good = folder.ReadFile("sample.tbl");
+    std::size_t const flag =
+        good.find(std::string("\1ab\0", 4)); // the bool `on` stands before the text `tag`
+    ASSERT_NE(flag, std::string::npos);
+    char place[32];
+    std::snprintf(place, sizeof(place), ": offset 0x%zX: ", flag);
+
+    std::string bytes = good;
+    bytes[flag] = 2;
+    FixCrc(bytes);
+    ExpectDamaged(WithBytes(bytes), place, "a bool of 2: ");
+
+    // Both findings are told, the crc first.
+    bytes[flag] = 3;
+    Result const verified = run({"table", "verify", WithBytes(bytes)});
+    EXPECT_NE(firstLine(verified.out).find(": offset 0x24: the crc is 0x"), std::string::npos)
+        << verified.out;
+    EXPECT_NE(verified.out.find(place), std::string::npos) << verified.out;
+
+    std::snprintf(place, sizeof(place), ": offset 0x%zX: 3 bytes follow", good.size());
+    ExpectDamaged(WithBytes(good + "tail"), "4 bytes follow behind the table", "trailing: ");
+    ExpectDamaged(WithBytes(good + "end"), place, "trailing: ");
+}
+
+TEST_F(Crosstool, TellsOtherChunksAndVersions) {
+    BuildSample();
+    std::string const good = folder.ReadFile("sample.tbl");
+    std::string bytes = good;
+    bytes[c_chunkHeader + 8] = 0; // the version
+    ExpectDamaged(WithBytes(bytes), "offset 0x10: the table has version 0, not 1", "");
+    bytes = good;
+    bytes[c_chunkHeader + 4] = 'X'; // the id
+    ExpectDamaged(WithBytes(bytes), "offset 0x10: a chunk of another kind", "");
+    ExpectDamaged(WithBytes(good.substr(0, c_chunkHeader)), "offset 0x10: the file ends where the table", "");
+}
+
+TEST_F(Crosstool, FailsWithAReason) {
+    std::string const table = BuildSample();
+    folder.WriteFile("bad.lua", "a = 1\nb = function() end\nc = print");
+    BinaryConfigCreator creator;
+    creator.SetNumber("a", 1);
+    std::string const foreign = folder / "foreign.tbl";
+    ASSERT_TRUE(BinaryConfigIO::Save(foreign.c_str(), creator, 2));
+    std::string const missing = folder / "missing.tbl";
+    std::string const here = folder / ".";
+
+    struct Case {
+        std::vector<std::string> arguments;
+        std::string error; // how the first line begins
+    };
+
+    Case const cases[] = {
+        {{"table", "verify", missing}, "failed: " + missing + ": does not exist"},
+        {{"table", "dump", missing}, "failed: " + missing + ": does not exist"},
+        {{"table", "crc", missing}, "failed: " + missing + ": does not exist"},
+        {{"table", "diff", table, missing}, "failed: " + missing + ": does not exist"},
+        {{"table", "dump", table, "--names", missing}, "failed: " + missing + ": does not exist"},
+        {{"table", "verify", here}, "failed: " + here + ": is a directory"},
+        {{"table", "verify", table + "/x"}, "failed: " + table + "/x: "},
+        {{"table", "verify", foreign}, "failed: " + foreign + ": offset 0xC: written for platform 2"},
+        {{"table", "build", missing, table}, "failed: " + missing + ": does not exist"},
+        {{"table", "build", folder / "bad.lua", table},
+         "failed: " + (folder / "bad.lua") + ": b: is a function"},
+        {{"table", "build", folder / "sample.lua", here}, "failed: " + here + ": cannot be written"},
+        {{"table", "build", folder / "sample.lua", folder / "sample.lua"},
+         "failed: " + (folder / "sample.lua") + ": would overwrite"},
+    };
+    std::string const before = folder.ReadFile("sample.tbl");
+    for (Case const & each : cases) {
+        Result const failed = run(each.arguments);
+        EXPECT_EQ(failed.code, 2) << each.error;
+        EXPECT_EQ(failed.out, "") << each.error;
+        EXPECT_EQ(firstLine(failed.err).find(each.error), 0u) << failed.err;
+    }
+    EXPECT_EQ(folder.ReadFile("sample.tbl"), before); // a failed build leaves what stood there
+}
+
+TEST_F(Crosstool, DiffTellsEveryDifferenceWithBothValues) {
+    std::string const first =
+        Build("first", "same = 1 number = 1.5 kind = 2 left = 'only' t = { deep = true, gone = {} }\n"
+                       "list = { a = 1, b = 2, c = 3 } zero = 0\n"
+                       "types = { ordered = { list = { 'a', 'b', 'c' } } }");
+    std::string const second =
+        Build("second", "same = 1 number = 2.5 kind = 2 right = 'only' t = { deep = false }\n"
+                        "list = { a = 1, b = 2, d = 4, c = 3 } zero = -0\n"
+                        "types = { integer = { 'kind' }, ordered = { list = { 'b', 'd', 'a', 'c' } } }");
+    folder.WriteFile("all.names", folder.ReadFile("first.names") + folder.ReadFile("second.names"));
+    Result const differing = run({"table", "diff", first, second, "--names", folder / "all.names"});
+    EXPECT_EQ(differing.code, 1);
+    EXPECT_EQ(firstLine(differing.out), "different: " + first + " and " + second + ": 9 differences");
+    for (char const * const line : {
+             "\nnumber: Float 1.5 | Float 2.5\n",
+             "\nkind: Float 2 | Integer 2\n",
+             "\nleft: String \"only\" | missing\n",
+             "\nright: missing | String \"only\"\n",
+             "\nt.deep: Bool true | Bool false\n",
+             "\nt.gone: Table of 0 fields | missing\n",
+             "\nlist: order a, b, c | order b, a, c\n",
+             "\nlist.d: missing | Float 4\n",
+             "\nzero: Float 0 | Float -0\n",
+         })
+        EXPECT_NE(differing.out.find(line), std::string::npos) << line << differing.out;
+}
+
+TEST_F(Crosstool, NamesWithOneHashAreShownAsTheirKey) {
+    std::string const table = Build("twins", "abhjbwag = 1 _G['a.b'] = 2");
+    folder.WriteFile("twins.names", "abhjbwag\r\n\na.b\nwyumcchu");
+    std::string const dumped = run({"table", "dump", table, "--names", folder / "twins.names"}).out;
+    EXPECT_NE(dumped.find("\n0xCD8CCD9A: Float 1\n"), std::string::npos) << dumped;
+    EXPECT_NE(dumped.find("\na%.b: Float 2\n"), std::string::npos) << dumped;
+}
+
+TEST_F(Crosstool, BuildsUnderAnyPlainPath) {
+    std::filesystem::path const before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.Path());
+    folder.WriteFile("in.lua", "id = 123456789");
+    Result const built = run({"table", "build", "in.lua", "data:out.tbl"}); // no alias
+    std::filesystem::current_path(before);
+    EXPECT_EQ(built.code, 0) << built.err;
+    EXPECT_EQ(built.out.find("good: data:out.tbl: 1 field, 20 bytes, crc 0x"), 0u) << built.out;
+    EXPECT_EQ(built.err.find("warning: in.lua: id: is 123456789 and becomes 123456792"), 0u) << built.err;
+    EXPECT_TRUE(std::filesystem::exists(folder.Path() / "data:out.tbl"));
+}
+
+TEST_F(Crosstool, HelpAndWrongCommandLines) {
+    for (char const * const verb : {"build", "dump", "verify", "crc", "diff"}) {
+        Result const help = run({"table", verb, "--help"});
+        EXPECT_EQ(help.code, 0) << verb;
+        EXPECT_NE(help.out.find(std::string("Example: crosstool table ") + verb), std::string::npos)
+            << help.out;
+        Result const bare = run({"table", verb});
+        EXPECT_EQ(bare.code, 2) << verb;
+        EXPECT_NE(bare.err, "") << verb;
+    }
+    EXPECT_EQ(run({"--help"}).code, 0);
+    for (std::vector<std::string> const & wrong : {std::vector<std::string>{},
+                                                   {"table"},
+                                                   {"image"},
+                                                   {"table", "verfy", "x"},
+                                                   {"table", "crc", "x", "y"}}) {
+        Result const refused = run(wrong);
+        EXPECT_EQ(refused.code, 2);
+        EXPECT_EQ(refused.out, "");
+    }
+}
+
+TEST_F(Crosstool, OutputThatCannotBeWrittenIsAFailure) {
+    std::string const table = BuildSample();
+    char const * const argv[] = {"crosstool", "table", "verify", table.c_str()};
+    std::ostringstream out, err;
+    out.setstate(std::ios::badbit);
+    EXPECT_EQ(RunCrosstool(4, argv, out, err), 2);
+    EXPECT_EQ(err.str(), "failed: the output cannot be written\n");
+}
+
+// The program itself, as people start it.
+Result runProgram(std::string const & arguments) {
+    std::string const line = std::string("'") + TOOLS_CROSSTOOL + "' " + arguments + " 2>&1";
+    FILE * const pipe = popen(line.c_str(), "r");
+    Result result{-1, "", ""};
+    if (!pipe)
+        return result;
+    for (int character = std::fgetc(pipe); character != EOF; character = std::fgetc(pipe))
+        result.out += static_cast<char>(character);
+    int const status = pclose(pipe);
+    result.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    return result;
+}
+
+TEST_F(Crosstool, ProgramBuildsVerifiesAndFails) {
+    folder.WriteFile("in.lua", "health = 120 types = { integer = { 'health' } }");
+    std::string const table = folder / "out.tbl";
+    Result const built = runProgram("table build '" + (folder / "in.lua") + "' '" + table + "'");
+    EXPECT_EQ(built.code, 0);
+    EXPECT_EQ(built.out.find("good: " + table + ": 1 field, 20 bytes, crc 0x"), 0u) << built.out;
+    Result const verified = runProgram("table verify '" + table + "'");
+    EXPECT_EQ(verified.code, 0);
+    EXPECT_EQ(verified.out, built.out);
+
+    std::string bytes = folder.ReadFile("out.tbl");
+    folder.WriteFile("out.tbl", bytes.substr(0, bytes.size() - 1));
+    Result const damaged = runProgram("table verify '" + table + "'");
+    EXPECT_EQ(damaged.code, 1);
+    EXPECT_EQ(damaged.out.find("damaged: " + table), 0u) << damaged.out;
+    Result const missing = runProgram("table verify /nowhere/at/all");
+    EXPECT_EQ(missing.code, 2);
+    EXPECT_EQ(missing.out.find("failed: /nowhere/at/all: does not exist"), 0u) << missing.out;
+    EXPECT_EQ(runProgram("--help").code, 0);
+    EXPECT_EQ(runProgram("").code, 2);
+}
+
+} // namespace

@@ -1,0 +1,245 @@
+#include "tools/TableDiff.h"
+#include "tools/TableFile.h"
+#include "tools/TableView.h"
+#include "tools/Verbs.h"
+#include "tools/tablesource/TableSource.h"
+
+#include "Cross/Util/BinaryConfigIO.h"
+#include "Cross/engine/filesystem/FilePathHDRaw.h"
+
+#include <CLI/CLI.hpp>
+
+#include <filesystem>
+#include <memory>
+#include <ostream>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+// Built tables are in the native byte order.
+constexpr PlatformType c_platform = 1;
+
+// Prints the verdict in front of the first line, and the others below.
+void printLines(std::ostream & stream, char const * verdict, Lines const & lines) {
+    for (std::string const & line : lines)
+        stream << (&line == &lines.front() ? verdict : "") << line << '\n';
+}
+
+ExitCode fail(Output const & output, Lines const & reasons) {
+    printLines(output.err, "failed: ", reasons);
+    return exitFailed;
+}
+
+// For the verbs that need good tables.
+bool openGood(std::string const & path, BinaryConfig & config, Lines & findings) {
+    return OpenTableFile(path, config, findings) == TableState::good;
+}
+
+struct BuildArguments {
+    std::string source, target, names;
+};
+
+// The library's saves go through the alias mapping; a slash in front of the first ':' keeps a path out of it.
+std::string withoutAlias(std::string const & path) {
+    return path.find(':') < path.find('/') ? "./" + path : path;
+}
+
+bool isSameFile(std::string const & left, std::string const & right) {
+    std::error_code error;
+    return std::filesystem::equivalent(left, right, error);
+}
+
+// Names with a line break in them cannot stand in a list of lines.
+bool saveNames(std::string const & path, std::set<std::string> const & names) {
+    ByteStreamProxy const stream(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamWrite, false));
+    if (!stream)
+        return false;
+    bool isWritten = true;
+    for (std::string const & name : names)
+        if (name.find_first_of("\r\n") == std::string::npos)
+            isWritten = isWritten && BSWriteText(*stream, name.c_str(), true);
+    if (isWritten && stream->Flush())
+        return true;
+    stream->Discard();
+    return false;
+}
+
+ExitCode saveTable(BuildArguments const & arguments, BinaryConfigCreator const & creator,
+                   TableSource::Report const & report, Output const & output) {
+    BinaryConfig table;
+    BinaryConfigIO::CreateBinaryConfig(creator, table, c_platform);
+    if (!BinaryConfigIO::Save(withoutAlias(arguments.target).c_str(), table, c_platform))
+        return fail(output, {arguments.target + ": cannot be written"});
+    if (!arguments.names.empty() && !saveNames(arguments.names, report.names))
+        return fail(output, {arguments.names + ": cannot be written"});
+    output.out << "good: " << arguments.target << ": " << Summary(table) << '\n';
+    for (std::string const & warning : report.warnings)
+        output.err << "warning: " << warning << '\n';
+    return exitGood;
+}
+
+ExitCode build(BuildArguments const & arguments, Output const & output) {
+    for (std::string const & written : {arguments.target, arguments.names})
+        if (isSameFile(arguments.source, written))
+            return fail(output, {written + ": would overwrite the source"});
+    Lines reasons;
+    ByteStreamProxy const stream = OpenForReading(arguments.source, reasons);
+    if (!stream)
+        return fail(output, reasons);
+    BinaryConfigCreator creator;
+    TableSource::Report report;
+    if (!TableSource::Build(*stream, creator, report))
+        return fail(output, report.errors);
+    return saveTable(arguments, creator, report, output);
+}
+
+struct DumpArguments {
+    std::string file, names;
+    bool asJson = false;
+};
+
+ExitCode dump(DumpArguments const & arguments, Output const & output) {
+    BinaryConfig table;
+    NameList names;
+    Lines reasons;
+    if ((!arguments.names.empty() && !names.Load(arguments.names, reasons)) ||
+        !openGood(arguments.file, table, reasons))
+        return fail(output, reasons);
+    if (arguments.asJson) {
+        PrintJson(table, names, arguments.file, output.out);
+        return exitGood;
+    }
+    output.out << "good: " << arguments.file << ": " << Summary(table) << '\n';
+    PrintTree(table, names, output.out);
+    return exitGood;
+}
+
+ExitCode verify(std::string const & file, Output const & output) {
+    BinaryConfig table;
+    Lines findings;
+    switch (OpenTableFile(file, table, findings)) {
+    case TableState::good:
+        output.out << "good: " << file << ": " << Summary(table) << '\n';
+        return exitGood;
+    case TableState::damaged:
+        printLines(output.out, "damaged: ", findings);
+        return exitFinding;
+    case TableState::failed:
+        break;
+    }
+    return fail(output, findings);
+}
+
+ExitCode crc(std::string const & file, Output const & output) {
+    BinaryConfig table;
+    Lines reasons;
+    if (!openGood(file, table, reasons))
+        return fail(output, reasons);
+    output.out << KeyText(table.GetCRC()) << ' ' << file << '\n';
+    return exitGood;
+}
+
+struct DiffArguments {
+    std::string first, second, names;
+};
+
+ExitCode diff(DiffArguments const & arguments, Output const & output) {
+    BinaryConfig first;
+    BinaryConfig second;
+    NameList names;
+    Lines reasons;
+    if ((!arguments.names.empty() && !names.Load(arguments.names, reasons)) ||
+        !openGood(arguments.first, first, reasons) || !openGood(arguments.second, second, reasons))
+        return fail(output, reasons);
+    Lines const differences = DiffTables(first, second, names);
+    std::string const pair = arguments.first + " and " + arguments.second + ": ";
+    if (differences.empty()) {
+        output.out << "equal: " << pair << Summary(first) << '\n';
+        return exitGood;
+    }
+    output.out << "different: " << pair << differences.size()
+               << (differences.size() == 1 ? " difference\n" : " differences\n");
+    printLines(output.out, "", differences);
+    return exitFinding;
+}
+
+// Adds a verb that runs `work` with arguments of its own, which live as long as the job.
+template <class Arguments>
+std::shared_ptr<Arguments> addVerb(CLI::App & verb, Job & job,
+                                   ExitCode (*work)(Arguments const &, Output const &)) {
+    auto const arguments = std::make_shared<Arguments>();
+    verb.callback([&job, work, arguments] {
+        job = [work, arguments](Output const & output) { return work(*arguments, output); };
+    });
+    return arguments;
+}
+
+void addNames(CLI::App & verb, std::string & names) {
+    verb.add_option("--names", names,
+                    "A text file with one field name a line, to show names in place of keys")
+        ->option_text("FILE");
+}
+
+void addBuild(CLI::App & table, Job & job) {
+    CLI::App & verb = *table.add_subcommand("build", "Build a table file from a Lua source");
+    auto const arguments = addVerb(verb, job, build);
+    verb.add_option("IN", arguments->source, "The source; docs/table-source.md tells its notation")
+        ->required()
+        ->option_text(" ");
+    verb.add_option("OUT", arguments->target, "The table file to write")->required()->option_text(" ");
+    verb.add_option("--names", arguments->names, "Also write the names of all fields, for dump and diff")
+        ->option_text("FILE");
+    verb.footer("Example: crosstool table build tank.lua tank.tbl --names tank.names");
+}
+
+void addDump(CLI::App & table, Job & job) {
+    CLI::App & verb = *table.add_subcommand("dump", "Print the contents of a table file");
+    auto const arguments = addVerb(verb, job, dump);
+    verb.add_option("FILE", arguments->file, "The table file")->required()->option_text(" ");
+    addNames(verb, arguments->names);
+    verb.add_flag("--json", arguments->asJson, "Print JSON; malformed text shows U+FFFD");
+    verb.footer("Example: crosstool table dump tank.tbl --names tank.names --json");
+}
+
+void addVerify(CLI::App & table, Job & job) {
+    CLI::App & verb = *table.add_subcommand("verify", "Check a table file to the last byte; 1 for damage");
+    auto const file = addVerb(verb, job, verify);
+    verb.add_option("FILE", *file, "The table file")->required()->option_text(" ");
+    verb.footer("Example: crosstool table verify tank.tbl");
+}
+
+void addCrc(CLI::App & table, Job & job) {
+    CLI::App & verb =
+        *table.add_subcommand("crc", "Print the CRC that identifies the contents of a table file");
+    auto const file = addVerb(verb, job, crc);
+    verb.add_option("FILE", *file, "The table file")->required()->option_text(" ");
+    verb.footer("Example: crosstool table crc tank.tbl");
+}
+
+void addDiff(CLI::App & table, Job & job) {
+    CLI::App & verb =
+        *table.add_subcommand("diff", "Compare two table files field by field; 1 for a difference");
+    auto const arguments = addVerb(verb, job, diff);
+    verb.add_option("A", arguments->first, "The table file whose values come first")
+        ->required()
+        ->option_text(" ");
+    verb.add_option("B", arguments->second, "The table file to compare it with")
+        ->required()
+        ->option_text(" ");
+    addNames(verb, arguments->names);
+    verb.footer("Example: crosstool table diff old/tank.tbl new/tank.tbl --names tank.names");
+}
+
+} // namespace
+
+void AddTableVerbs(CLI::App & app, Job & job) {
+    CLI::App & table = *app.add_subcommand("table", "Attribute tables");
+    table.require_subcommand(1);
+    table.footer("Example: crosstool table verify tank.tbl");
+    addBuild(table, job);
+    addDump(table, job);
+    addVerify(table, job);
+    addCrc(table, job);
+    addDiff(table, job);
+}
