@@ -1,0 +1,130 @@
+#include "Cross/engine/diagnostics/Trace.h"
+
+#include "tests/support/HeapLimit.h"
+#include "tests/support/TraceCapture.h"
+
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+namespace {
+
+// The sink goes when the test ends, whatever the test puts in place.
+class Trace : public testing::Test {
+protected:
+    ~Trace() override { dbTraceSetSink(nullptr, nullptr); }
+};
+
+void countLine(char const *, void * count) { ++*static_cast<int *>(count); }
+
+std::vector<std::string> splitLines(std::string const & text) {
+    std::vector<std::string> lines;
+    std::size_t start = 0;
+    for (std::size_t end; (end = text.find('\n', start)) != std::string::npos; start = end + 1)
+        lines.push_back(text.substr(start, end - start));
+    EXPECT_EQ(start, text.size()) << "the last line has an end too";
+    return lines;
+}
+
+} // namespace
+
+TEST_F(Trace, TheSinkGetsTheBareText) {
+    TraceCapture capture;
+    for (std::size_t length : {0u, 1023u, 1024u, 100000u})
+        dbTimeStampedTracefAux("%s%d", std::string(length, 'x').c_str(), 7);
+    ASSERT_EQ(capture.lines.size(), 4u);
+    EXPECT_EQ(capture.lines[0], "7");
+    EXPECT_EQ(capture.lines[1], std::string(1023, 'x') + "7");
+    EXPECT_EQ(capture.lines[2], std::string(1024, 'x') + "7");
+    EXPECT_EQ(capture.lines[3], std::string(100000, 'x') + "7");
+    dbTimeStampedTracefAux("%s", "100%s%n");
+    EXPECT_EQ(capture.lines.back(), "100%s%n");
+}
+
+TEST_F(Trace, GoesToStderrWithATimeStamp) {
+    testing::internal::CaptureStderr();
+    dbTimeStampedTracefAux("UTIL -- %s", "hello");
+    std::string const printed = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(testing::internal::RE::FullMatch(
+        printed, "\\[[0-9][0-9]:[0-9][0-9]:[0-9][0-9]\\.[0-9][0-9][0-9]\\] UTIL -- hello\n"))
+        << printed;
+}
+
+TEST_F(Trace, DropsWhatASinkTraces) {
+    static int s_calls;
+    s_calls = 0;
+    dbTraceSetSink(
+        [](char const *, void *) {
+            ++s_calls;
+            dbTimeStampedTracefAux("inner");
+        },
+        nullptr);
+    testing::internal::CaptureStderr();
+    dbTimeStampedTracefAux("outer");
+    dbTimeStampedTracefAux("outer");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(s_calls, 2);
+}
+
+TEST_F(Trace, ASinkMayReplaceItselfOrThrow) {
+    static int s_later;
+    s_later = 0;
+    dbTraceSetSink([](char const *, void *) { dbTraceSetSink(&countLine, &s_later); }, nullptr);
+    dbTimeStampedTracefAux("first");
+    EXPECT_EQ(s_later, 0);
+    dbTimeStampedTracefAux("second");
+    EXPECT_EQ(s_later, 1);
+
+    dbTraceSetSink([](char const *, void *) { throw std::runtime_error("full"); }, nullptr);
+    EXPECT_THROW(dbTimeStampedTracefAux("third"), std::runtime_error);
+    dbTraceSetSink(&countLine, &s_later);
+    dbTimeStampedTracefAux("fourth");
+    EXPECT_EQ(s_later, 2);
+}
+
+TEST_F(Trace, AnExhaustedHeapCutsTheText) {
+    static std::size_t s_length;
+    s_length = 0;
+    dbTraceSetSink([](char const * text, void *) { s_length = std::string_view(text).size(); }, nullptr);
+    std::string const text(5000, 'x');
+    {
+        HeapLimit const limit(0);
+        dbTimeStampedTracefAux("%s", text.c_str());
+    }
+    EXPECT_EQ(s_length, 1023u);
+}
+
+TEST_F(Trace, LinesOfThreadsNeverMix) {
+    testing::internal::CaptureStderr();
+    std::vector<std::thread> threads;
+    for (char letter : {'a', 'b', 'c', 'd'})
+        threads.emplace_back([letter] {
+            for (int i = 0; i < 50; ++i)
+                dbTimeStampedTracefAux("%s", std::string(2000, letter).c_str());
+        });
+    for (std::thread & thread : threads)
+        thread.join();
+    std::vector<std::string> const lines = splitLines(testing::internal::GetCapturedStderr());
+    EXPECT_EQ(lines.size(), 200u);
+    for (std::string const & line : lines) {
+        std::string const text = line.substr(line.find(' ') + 1);
+        EXPECT_EQ(text, std::string(2000, text[0]));
+    }
+}
+
+TEST_F(Trace, ASinkCountsTheLinesOfAllThreads) {
+    int count = 0;
+    dbTraceSetSink(&countLine, &count);
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i)
+        threads.emplace_back([] {
+            for (int line = 0; line < 500; ++line)
+                dbTimeStampedTracefAux("%d", line);
+        });
+    for (std::thread & thread : threads)
+        thread.join();
+    EXPECT_EQ(count, 2000);
+}

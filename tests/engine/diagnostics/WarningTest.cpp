@@ -1,0 +1,161 @@
+#include "Cross/engine/diagnostics/Warning.h"
+
+#include "tests/support/TraceCapture.h"
+
+#include <gtest/gtest.h>
+#include <string>
+#include <thread>
+#include <vector>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+constexpr std::uint32_t c_inventory = 0x494E56;
+constexpr std::uint32_t c_statistics = 0x53544154;
+
+// One call of a handler.
+struct Call {
+    char handler;
+    std::uint32_t category;
+    Lines lines;
+    std::thread::id thread;
+};
+
+std::vector<Call> s_calls;
+
+template <char Name>
+void record(char const * const * lines, unsigned int count, std::uint32_t category) {
+    s_calls.push_back({Name, category, Lines(lines, lines + count), std::this_thread::get_id()});
+}
+
+void removeOthers(char const * const *, unsigned int, std::uint32_t category) {
+    dbWarningHandlerRmv(category, &record<'a'>);
+    dbWarningHandlerRmv(category, &removeOthers);
+    dbWarningHandlerAdd(category, &record<'b'>);
+}
+
+void passOn(char const * const * lines, unsigned int, std::uint32_t) {
+    dbWarningfAux(c_statistics, "%s", lines[0]);
+}
+
+std::string handlersCalled() {
+    std::string names;
+    for (Call const & call : s_calls)
+        names += call.handler;
+    return names;
+}
+
+class Warning : public testing::Test {
+protected:
+    Warning() { s_calls.clear(); }
+
+    ~Warning() override {
+        for (std::uint32_t category : {c_inventory, c_statistics})
+            for (dbWarningHandler handler : {&record<'a'>, &record<'b'>, &removeOthers, &passOn})
+                dbWarningHandlerRmv(category, handler);
+    }
+};
+
+std::string printedBy(std::uint32_t category, char const * text) {
+    testing::internal::CaptureStderr();
+    dbWarningfAux(category, "%s", text);
+    return testing::internal::GetCapturedStderr();
+}
+
+} // namespace
+
+TEST_F(Warning, ReachesTheHandlersOfItsCategoryInTheirOrder) {
+    dbWarningHandlerAdd(c_inventory, &record<'b'>);
+    dbWarningHandlerAdd(c_inventory, &record<'a'>);
+    dbWarningHandlerAdd(c_inventory, &record<'b'>); // again: nothing
+    dbWarningHandlerAdd(c_statistics, &record<'a'>);
+    dbWarningHandlerAdd(c_inventory, nullptr);
+    dbWarningfAux(c_inventory, "%s %d", "ghost", 3);
+    ASSERT_EQ(handlersCalled(), "ba");
+    EXPECT_EQ(s_calls[0].category, c_inventory);
+    EXPECT_EQ(s_calls[0].lines, Lines{"ghost 3"});
+
+    s_calls.clear();
+    dbWarningHandlerRmv(c_inventory, &record<'b'>);
+    dbWarningHandlerRmv(c_inventory, &record<'b'>); // unknown: nothing
+    dbWarningfAux(c_inventory, "ghost");
+    EXPECT_EQ(handlersCalled(), "a");
+}
+
+TEST_F(Warning, TextIsSplitAtItsLineEnds) {
+    struct Case {
+        char const * text;
+        Lines lines;
+    };
+
+    Case const cases[] = {
+        {"", {""}},
+        {"one", {"one"}},
+        {"one\ntwo", {"one", "two"}},
+        {"\n\ntail\n", {"", "", "tail", ""}},
+    };
+    dbWarningHandlerAdd(c_inventory, &record<'a'>);
+    for (Case const & each : cases) {
+        s_calls.clear();
+        dbWarningfAux(c_inventory, "%s", each.text);
+        ASSERT_EQ(s_calls.size(), 1u);
+        EXPECT_EQ(s_calls[0].lines, each.lines);
+    }
+    std::string const text(50000, 'x');
+    dbWarningfAux(c_inventory, "%s", text.c_str());
+    EXPECT_EQ(s_calls.back().lines, Lines{text});
+}
+
+TEST_F(Warning, WithoutAHandlerOneLineGoesToStderrAndNoneToTheTrace) {
+    TraceCapture const trace;
+    dbWarningHandlerAdd(c_statistics, &record<'a'>);
+    EXPECT_EQ(printedBy(c_inventory, "two\nlines"), "Warning INV: two lines\n");
+    EXPECT_EQ(printedBy(c_statistics, "handled"), "");
+    EXPECT_TRUE(trace.lines.empty());
+}
+
+TEST_F(Warning, HandlersMayChangeTheHandlers) {
+    dbWarningHandlerAdd(c_inventory, &removeOthers);
+    dbWarningHandlerAdd(c_inventory, &record<'a'>);
+    dbWarningfAux(c_inventory, "first");
+    EXPECT_EQ(handlersCalled(), "")
+        << "a handler that is gone is not called, one that came is called from the next on";
+    dbWarningfAux(c_inventory, "second");
+    EXPECT_EQ(handlersCalled(), "b");
+}
+
+TEST_F(Warning, HandlersMayRaiseWarnings) {
+    dbWarningHandlerAdd(c_inventory, &passOn);
+    dbWarningHandlerAdd(c_statistics, &record<'a'>);
+    dbWarningfAux(c_inventory, "ghost");
+    ASSERT_EQ(handlersCalled(), "a");
+    EXPECT_EQ(s_calls[0].category, c_statistics);
+}
+
+TEST_F(Warning, HandlersRunOnTheRaisingThread) {
+    dbWarningHandlerAdd(c_inventory, &record<'a'>);
+    std::thread raising([] { dbWarningfAux(c_inventory, "ghost"); });
+    std::thread::id const id = raising.get_id();
+    raising.join();
+    ASSERT_EQ(s_calls.size(), 1u);
+    EXPECT_EQ(s_calls[0].thread, id);
+}
+
+TEST_F(Warning, ThreadsMayAddAndRemoveWhileOthersRaise) {
+    static thread_local int t_heard;
+    dbWarningHandler const hear = [](char const * const *, unsigned int, std::uint32_t) { ++t_heard; };
+    dbWarningHandlerAdd(c_inventory, hear);
+    std::thread changing([] {
+        for (int i = 0; i < 500; ++i) {
+            dbWarningHandlerAdd(c_statistics, &removeOthers);
+            dbWarningHandlerRmv(c_statistics, &removeOthers);
+        }
+    });
+    t_heard = 0;
+    for (int i = 0; i < 500; ++i)
+        dbWarningfAux(c_inventory, "ghost");
+    changing.join();
+    dbWarningHandlerRmv(c_inventory, hear);
+    EXPECT_EQ(t_heard, 500);
+}
