@@ -4,6 +4,7 @@
 #include "Cross/engine/core/Utf.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/scriptconfig/LuaConfigData.h"
+#include "Cross/engine/scriptconfig/LuaLibMan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -83,9 +84,13 @@ LuaConfig::LuaType LuaConfig::Iterator::GetType() const {
     return typeAt(data.L, -1);
 }
 
-LuaConfig::LuaConfig(char const * name, bool flag) : data(std::make_unique<Data>(name, flag)) {}
+LuaConfig::LuaConfig(char const * name, bool flag) : data(std::make_unique<Data>(name, flag)) {
+    if (flag)
+        LuaLibMan::AddState(*this);
+    data->TakeGlobalsForBuiltins();
+}
 
-LuaConfig::~LuaConfig() = default;
+LuaConfig::~LuaConfig() { LuaLibMan::RemState(*this); }
 
 char const * LuaConfig::GetName() const { return data->name.c_str(); }
 
