@@ -14,9 +14,12 @@ locale_t compileLocale(TemporaryFolder const & folder) {
     std::string const compile =
         "localedef -c -i '" + folder / "source" + "' '" + folder / "comma" + "' >/dev/null 2>&1";
     [[maybe_unused]] int const status = std::system(compile.c_str());
+    // By way of the process's locale: newlocale leaks the search path that it reads here.
     setenv("LOCPATH", folder.Path().c_str(), 1);
-    locale_t const locale = newlocale(LC_NUMERIC_MASK, "comma", nullptr);
+    bool const loaded = setlocale(LC_NUMERIC, "comma") != nullptr;
     unsetenv("LOCPATH");
+    locale_t const locale = loaded ? duplocale(LC_GLOBAL_LOCALE) : nullptr;
+    setlocale(LC_NUMERIC, "C");
     return locale;
 }
 
