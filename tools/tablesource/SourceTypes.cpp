@@ -56,10 +56,10 @@ private:
         std::string name;
         bool hasStar = false;
         for (; position < text.size() && text[position] != '.'; ++position) {
-            if (text[position] == '%' && !skipEscape())
-                return false;
-            else if (text[position] == '*' && !isEscaped())
+            if (text[position] == '*')
                 hasStar = true;
+            else if (text[position] == '%' && !skipEscape())
+                return false;
             name += text[position];
         }
         if (name.empty())
@@ -71,17 +71,13 @@ private:
         return true;
     }
 
+    // Goes to the character behind the '%'.
     bool skipEscape() {
         ++position;
-        if (position < text.size() &&
-            std::string_view(".*%").find(text[position]) != std::string_view::npos) {
-            escapedAt = position;
+        if (position < text.size() && std::string_view(".*%").find(text[position]) != std::string_view::npos)
             return true;
-        }
         return fail("has a % that stands before none of . * and %; for the character itself write %%");
     }
-
-    bool isEscaped() const { return escapedAt == position; }
 
     bool fail(char const * why) {
         reason = why;
@@ -90,7 +86,6 @@ private:
 
     std::string const & text;
     std::size_t position = 0;
-    std::size_t escapedAt = std::string::npos;
     char const * reason = nullptr;
 };
 
