@@ -276,8 +276,7 @@ std::uint32_t Chunky::BoundedStream::Enter(ChunkKind kind, std::uint32_t id, std
     requireFolder();
     ChunkInfo next;
     if (!readNext(next, false))
-        fail(currentPlace(), "%s '%s' is expected at offset %u, where nothing is left", nameOf(kind),
-             lettersOf(id).c_str(), position);
+        fail(filePlace(), "%s '%s' is expected, but nothing is left", nameOf(kind), lettersOf(id).c_str());
     if (next.kind != kind || next.id != id)
         fail(chunkPlace(next.id, next.headerOffset), "it is a %s, where %s '%s' is expected",
              nameOf(next.kind), nameOf(kind), lettersOf(id).c_str());
@@ -306,7 +305,7 @@ bool Chunky::BoundedStream::readNext(ChunkInfo & info, bool withName) {
     if (left == 0)
         return false;
     if (left < c_chunkHeaderSize)
-        fail(currentPlace(), "the %u bytes left at offset %u are too few for a chunk", left, position);
+        fail(filePlace(), "the %u bytes left are too few for a chunk", left);
     PositionGuard const putBack{file, position};
     std::uint32_t words[HW_COUNT];
     headers.Read(words, HW_COUNT);
@@ -377,10 +376,13 @@ void Chunky::BoundedStream::requireSound() const {
         fail(filePlace(), "an earlier write failed, the chunk file is given up");
 }
 
-std::string Chunky::BoundedStream::filePlace() const { return std::string("'") + GetStreamName() + "'"; }
+std::string Chunky::BoundedStream::filePlace() const {
+    return std::string("'") + GetStreamName() + "' at offset " + std::to_string(position);
+}
 
 std::string Chunky::BoundedStream::chunkPlace(std::uint32_t id, unsigned int offset) const {
-    return "chunk '" + lettersOf(id) + "' at offset " + std::to_string(offset) + " of " + filePlace();
+    return "chunk '" + lettersOf(id) + "' at offset " + std::to_string(offset) + " of '" + GetStreamName() +
+           "'";
 }
 
 std::string Chunky::BoundedStream::currentPlace() const {

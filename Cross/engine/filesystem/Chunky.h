@@ -4,12 +4,9 @@
 // readers find and skip what they do not know. A chunk is a folder, which holds chunks, or a data chunk,
 // which holds bytes; typed reads and writes go into the data chunk that is open.
 //
-// The file:   8 magic bytes 'X' 'C' 'H' 'K' CR LF 0x1A LF, then two little-endian 32-bit words: format (1)
-// and
-//             platform.
-// A chunk:    five words: kind (1 folder, 2 data), id, version, body size, name length; the bytes of the
-// name;
-//             the body. The words are in the byte order of the file's platform, and so are typed values.
+// The file: 8 magic bytes 'X' 'C' 'H' 'K' CR LF 0x1A LF, then two little-endian 32-bit words: format (1),
+// platform. A chunk: five words: kind (1 folder, 2 data), id, version, body size, name length; then the bytes
+// of the name, then the body. The words of chunks and typed values are in the byte order of the platform.
 // docs/formats.md shows a file with all its bytes.
 //
 // A file may begin anywhere in a stream and reaches to the stream's end. Whether a Chunky reads or writes
@@ -17,7 +14,8 @@
 // stream and the offset; a writer that failed takes no more.
 //
 // Threads: those of the stream. Lifetime: the proxy form takes the stream over, the pointer form borrows it,
-// and nobody else moves the stream meanwhile.
+// and nobody else moves the stream meanwhile. A saver that has to know whether the bytes reached the file
+// uses the pointer form and flushes the stream behind the last PopChunk.
 
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/filesystem/ByteStreamAdapter.h"

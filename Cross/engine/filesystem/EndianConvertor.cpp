@@ -28,27 +28,39 @@ constexpr std::uint64_t swapped(std::uint64_t word) {
            swapped(static_cast<std::uint32_t>(word >> 32));
 }
 
-// Values go through words of their width: a float with foreign bytes in it must not pass through a float
-// register, which may change them.
-template <class Word>
-void swapWords(unsigned char * bytes, std::size_t count) {
-    for (; count > 0; --count, bytes += sizeof(Word)) {
-        Word word;
-        std::memcpy(&word, bytes, sizeof word);
+template <std::size_t width>
+using WordOf = std::conditional_t<width == 2, std::uint16_t,
+                                  std::conditional_t<width == 4, std::uint32_t, std::uint64_t>>;
+
+// Copies values with their bytes swapped; to their own place, too. They go through words of their width: a
+// float with foreign bytes in it must not pass through a float register, which may change them.
+template <std::size_t width>
+void copySwapped(void * to, void const * from, std::size_t count) {
+    auto target = static_cast<unsigned char *>(to);
+    auto source = static_cast<unsigned char const *>(from);
+    for (; count > 0; --count, target += width, source += width) {
+        WordOf<width> word;
+        std::memcpy(&word, source, width);
         word = swapped(word);
-        std::memcpy(bytes, &word, sizeof word);
+        std::memcpy(target, &word, width);
     }
 }
 
+// The source stays as it is, so a block at a time goes out.
 template <std::size_t width>
-void swapEach(void * values, std::size_t count) {
-    auto const bytes = static_cast<unsigned char *>(values);
-    if constexpr (width == 2)
-        swapWords<std::uint16_t>(bytes, count);
-    else if constexpr (width == 4)
-        swapWords<std::uint32_t>(bytes, count);
-    else
-        swapWords<std::uint64_t>(bytes, count);
+unsigned int writeSwapped(ByteStream & stream, void const * values, unsigned int size) {
+    unsigned char block[c_blockSize];
+    auto const source = static_cast<unsigned char const *>(values);
+    unsigned int done = 0;
+    while (done < size) {
+        unsigned int const part = std::min<unsigned int>(size - done, sizeof block);
+        copySwapped<width>(block, source + done, part / width);
+        unsigned int const written = stream.Write(block, part);
+        done += written;
+        if (written != part)
+            break;
+    }
+    return done;
 }
 
 // A bool holds 0 or 1 and no other byte.
@@ -83,9 +95,10 @@ unsigned int EndianConvertor::readValues(T * values, unsigned int count) {
     if (!stream || !fitsStream<T>(count))
         return 0;
     unsigned int const done = stream->Read(values, count * static_cast<unsigned int>(sizeof(T)));
-    if constexpr (sizeof(T) > 1)
+    if constexpr (sizeof(T) > 1) {
         if (IsSwapped(format))
-            swapEach<sizeof(T)>(values, done / sizeof(T));
+            copySwapped<sizeof(T)>(values, values, done / sizeof(T));
+    }
     return done;
 }
 
@@ -94,22 +107,11 @@ unsigned int EndianConvertor::writeValues(T const * values, unsigned int count) 
     if (!stream || !fitsStream<T>(count))
         return 0;
     unsigned int const size = count * static_cast<unsigned int>(sizeof(T));
-    if (sizeof(T) == 1 || !IsSwapped(format))
-        return stream->Write(values, size);
-
-    unsigned char block[c_blockSize];
-    auto const source = reinterpret_cast<unsigned char const *>(values);
-    unsigned int done = 0;
-    while (done < size) {
-        unsigned int const part = std::min<unsigned int>(size - done, sizeof block);
-        std::memcpy(block, source + done, part);
-        swapEach<sizeof(T)>(block, part / sizeof(T));
-        unsigned int const written = stream->Write(block, part);
-        done += written;
-        if (written != part)
-            break;
+    if constexpr (sizeof(T) > 1) {
+        if (IsSwapped(format))
+            return writeSwapped<sizeof(T)>(*stream, values, size);
     }
-    return done;
+    return stream->Write(values, size);
 }
 
 unsigned int EndianConvertor::Read(double * values, unsigned int count) { return readValues(values, count); }

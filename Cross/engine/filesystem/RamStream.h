@@ -9,7 +9,7 @@
 
 #include <cstring>
 
-class CROSS_ENGINE_API RamStream final : public ByteStream {
+class CROSS_ENGINE_API RamStream : public ByteStream {
 public:
     RamStream();
     ~RamStream() override;

@@ -1,1 +1,470 @@
+#include "Cross/engine/filesystem/Chunky.h"
+#include "tests/support/FailingStream.h"
+#include "tests/support/StreamBytes.h"
+
 #include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+namespace {
+
+constexpr std::uint32_t c_menu = FourCC("MENU");
+constexpr std::uint32_t c_item = FourCC("ITEM");
+constexpr unsigned int c_endless = 0xFFFFFFFF;
+
+// The example of docs/formats.md.
+std::string exampleBytes() {
+    return FromHex("58 43 48 4B 0D 0A 1A 0A  01 00 00 00  01 00 00 00"
+                   "01 00 00 00  55 4E 45 4D  01 00 00 00  1E 00 00 00  03 00 00 00  74 6F 70"
+                   "02 00 00 00  4D 45 54 49  02 00 00 00  0A 00 00 00  00 00 00 00"
+                   "07 00 00 00  02 00 00 00  47 6F");
+}
+
+void writeExample(ByteStream & stream, PlatformType platform) {
+    Chunky chunky(&stream, platform);
+    chunky.WriteFolderChunkName(c_menu, 1, "top");
+    chunky.WriteDataChunk(c_item, 2, -1);
+    chunky.Write(std::uint32_t{7});
+    chunky.WriteString("Go");
+    chunky.PopChunk();
+    chunky.PopChunk();
+}
+
+void readExample(ByteStream & stream, PlatformType platform) {
+    Chunky chunky(&stream, platform);
+    chunky.ReadFolderChunk(c_menu, 1);
+    chunky.ReadDataChunk(c_item, 2);
+    std::uint32_t number = 0;
+    std::string text;
+    chunky.Read(number);
+    chunky.ReadString(text);
+    chunky.PopChunk();
+    chunky.PopChunk();
+    EXPECT_EQ(number, 7u);
+    EXPECT_EQ(text, "Go");
+}
+
+std::string reasonOf(std::function<void()> const & operation) {
+    try {
+        operation();
+    } catch (std::exception const & error) {
+        return error.what();
+    }
+    return "no exception";
+}
+
+// Puts a native word into bytes.
+void patch(std::string & bytes, unsigned int offset, std::uint32_t word) {
+    std::memcpy(&bytes[offset], &word, sizeof word);
+}
+
+TEST(ChunkyFormat, ExactBytesOfANativeFile) {
+    FilledStream stream;
+    writeExample(stream, 1);
+    EXPECT_EQ(stream.Content(), exampleBytes());
+    stream->SetPos(0);
+    readExample(stream, 0);
+    stream->SetPos(0);
+    readExample(stream, 1);
+
+    // 0 writes the native platform
+    FilledStream same;
+    writeExample(same, 0);
+    EXPECT_EQ(same.Content(), exampleBytes());
+}
+
+TEST(ChunkyFormat, ExactBytesOfASwappedFile) {
+    FilledStream stream;
+    writeExample(stream, 2);
+    EXPECT_EQ(stream.Content(),
+              FromHex("58 43 48 4B 0D 0A 1A 0A  01 00 00 00  02 00 00 00"
+                      "00 00 00 01  4D 45 4E 55  00 00 00 01  00 00 00 1E  00 00 00 03  74 6F 70"
+                      "00 00 00 02  49 54 45 4D  00 00 00 02  00 00 00 0A  00 00 00 00"
+                      "00 00 00 07  00 00 00 02  47 6F"));
+    stream->SetPos(0);
+    readExample(stream, 0);
+    stream->SetPos(0);
+    readExample(stream, 2);
+    stream->SetPos(0);
+    EXPECT_EQ(reasonOf([&] { readExample(stream, 1); }),
+              "'RamStream' at offset 0: the chunk file was written for platform 2, not for platform 1");
+}
+
+TEST(ChunkyFormat, ForeignOrDamagedFilesAreNamedAsWhatTheyAre) {
+    auto const replaced = [](std::string from, std::string const & to) {
+        std::string bytes = exampleBytes();
+        for (std::size_t at = 0; (at = bytes.find(from, at)) != std::string::npos; at += to.size())
+            bytes.replace(at, from.size(), to);
+        return bytes;
+    };
+    std::string newerFormat = exampleBytes();
+    patch(newerFormat, 8, 2);
+
+    struct Case {
+        std::string bytes;
+        char const * reason;
+    };
+
+    std::string const mangled =
+        "'RamStream' at offset 0: the chunk file was damaged by a conversion of its line ends";
+    Case const cases[] = {
+        // carried as text, to CR LF lines and to LF lines
+        {replaced("\n", "\r\n"), mangled.c_str()},
+        {replaced("\r\n", "\n"), mangled.c_str()},
+        {replaced("XCHK", "XCHL"), "'RamStream' at offset 0: this is no chunk file"},
+        {newerFormat, "'RamStream' at offset 0: chunk file format 2 is not known, only 1 is"},
+        {exampleBytes().substr(0, 15),
+         "'RamStream' at offset 0: only 15 of the 16 bytes of a chunk file's header are there"},
+        {"", "'RamStream' at offset 0: only 0 of the 16 bytes of a chunk file's header are there"},
+    };
+    for (Case const & row : cases) {
+        FilledStream stream(row.bytes);
+        EXPECT_EQ(reasonOf([&] { readExample(stream, 0); }), row.reason);
+        EXPECT_EQ(stream->GetPos(), 0u);
+    }
+}
+
+TEST(ChunkyReader, ATreeReadsBackAsItWasWritten) {
+    FilledStream stream("in front");
+    stream->SetPos(8);
+    {
+        Chunky chunky(stream, 2);
+        for (std::uint32_t i = 0; i < 3; ++i) {
+            chunky.WriteFolderChunkName(c_menu, i, i == 1 ? nullptr : "name");
+            for (std::uint32_t j = 0; j < i; ++j) {
+                chunky.WriteDataChunkName(c_item, j, "item", 4);
+                chunky.Write(static_cast<float>(j));
+                chunky.PopChunk();
+            }
+            chunky.PopChunk();
+        }
+    }
+    stream->SetPos(8);
+    Chunky chunky(stream, 0);
+    Chunky::ChunkInfo info;
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        ASSERT_TRUE(chunky.PeekChunk(info));
+        EXPECT_EQ(info.kind, Chunky::CK_FOLDER);
+        EXPECT_EQ(info.name, i == 1 ? "" : "name");
+        EXPECT_EQ(info.headerOffset, chunky.GetStreamPos());
+        EXPECT_EQ(chunky.ReadFolderChunk(c_menu, 9).GetVersion(), i);
+        EXPECT_EQ(chunky.GetStreamPos(), info.bodyOffset);
+        for (std::uint32_t j = 0; j < i; ++j) {
+            ASSERT_TRUE(chunky.PeekChunk(info));
+            EXPECT_EQ(info.kind, Chunky::CK_DATA);
+            EXPECT_EQ(info.id, c_item);
+            EXPECT_EQ(info.version, j);
+            EXPECT_EQ(info.name, "item");
+            EXPECT_EQ(info.bodySize, 4u);
+            chunky.ReadDataChunk(c_item, j);
+            float value = -1;
+            chunky.Read(value);
+            EXPECT_EQ(value, static_cast<float>(j));
+            chunky.PopChunk();
+        }
+        EXPECT_FALSE(chunky.PeekChunk(info));
+        chunky.PopChunk();
+    }
+    EXPECT_FALSE(chunky.PeekChunk(info));
+}
+
+TEST(ChunkyReader, PopSkipsWhatWasNotRead) {
+    FilledStream stream;
+    {
+        Chunky chunky(stream, 1);
+        for (std::uint32_t i = 0; i < 2; ++i) {
+            chunky.WriteFolderChunkName(c_menu, 1, nullptr);
+            chunky.WriteDataChunk(c_item, 1, -1);
+            chunky.Write(i);
+            chunky.Write(i);
+            chunky.PopChunk();
+            chunky.PopChunk();
+        }
+    }
+    stream->SetPos(0);
+    Chunky chunky(stream, 0);
+    chunky.ReadFolderChunk(c_menu, 1);
+    chunky.PopChunk(); // its chunk was never entered
+    chunky.ReadFolderChunk(c_menu, 1);
+    chunky.ReadDataChunk(c_item, 1);
+    std::uint32_t value = 0;
+    chunky.Read(value);
+    EXPECT_EQ(value, 1u);
+    chunky.PopChunk(); // its second value was never read
+    Chunky::ChunkInfo info;
+    EXPECT_FALSE(chunky.PeekChunk(info));
+}
+
+TEST(ChunkyReader, ARefusedChunkLeavesThePosition) {
+    struct Case {
+        std::function<void(Chunky &)> enter;
+        char const * reason;
+    };
+
+    Case const cases[] = {
+        {[](Chunky & chunky) { chunky.ReadFolderChunk(c_item, 1); },
+         "chunk 'MENU' at offset 16 of 'RamStream': it is a folder, where folder 'ITEM' is expected"},
+        {[](Chunky & chunky) { chunky.ReadDataChunk(c_menu, 1); },
+         "chunk 'MENU' at offset 16 of 'RamStream': it is a folder, where data chunk 'MENU' is expected"},
+        {[](Chunky & chunky) { chunky.ReadFolderChunk(c_menu, 0); },
+         "chunk 'MENU' at offset 16 of 'RamStream': version 1 is newer than 0, the newest known"},
+    };
+    FilledStream stream(exampleBytes());
+    Chunky chunky(stream, 0);
+    for (Case const & row : cases) {
+        EXPECT_EQ(reasonOf([&] { row.enter(chunky); }), row.reason);
+        EXPECT_EQ(chunky.GetStreamPos(), 16u);
+        EXPECT_EQ(stream->GetPos(), 16u);
+    }
+    chunky.ReadFolderChunk(c_menu, 7); // an older one is entered
+    chunky.ReadDataChunk(c_item, 2);
+    chunky.PopChunk();
+    EXPECT_EQ(reasonOf([&] { chunky.ReadDataChunk(c_item, 2); }),
+              "'RamStream' at offset 69: data chunk 'ITEM' is expected, but nothing is left");
+    chunky.PopChunk();
+    EXPECT_EQ(reasonOf([&] { chunky.PopChunk(); }),
+              "'RamStream' at offset 69: there is no open chunk to end");
+}
+
+TEST(ChunkyReader, ReadsAndMovesAreBoundedByTheOpenChunk) {
+    std::string bytes = exampleBytes();
+    bytes += "behind the chunk";
+    patch(bytes, 51, 7); // the data chunk ends inside its second word
+    patch(bytes, 28, 27);
+    FilledStream stream(bytes);
+    Chunky chunky(stream, 0);
+    std::uint32_t word = 0;
+    EXPECT_EQ(reasonOf([&] { chunky.Read(word); }),
+              "'RamStream' at offset 0: no data chunk is open to read or write bytes in");
+    chunky.ReadFolderChunk(c_menu, 1);
+    EXPECT_THROW(chunky.Read(word), std::exception); // a folder holds chunks only
+    chunky.ReadDataChunk(c_item, 2);
+    EXPECT_THROW(chunky.ReadDataChunk(c_item, 2), std::exception);
+    Chunky::ChunkInfo info;
+    EXPECT_THROW(chunky.PeekChunk(info), std::exception);
+    chunky.Read(word);
+    EXPECT_EQ(reasonOf([&] { chunky.Read(word); }),
+              "chunk 'ITEM' at offset 39 of 'RamStream': 4 bytes at offset 63 exceed the 3 bytes left");
+    EXPECT_EQ(chunky.GetStreamPos(), 63u); // nothing was read
+    std::string text;
+    EXPECT_THROW(chunky.ReadString(text), std::exception);
+    EXPECT_THROW(chunky.Write(word), std::exception);
+
+    chunky.SetStreamPos(66);
+    chunky.SetStreamPos(59);
+    EXPECT_EQ(reasonOf([&] { chunky.SetStreamPos(58); }),
+              "chunk 'ITEM' at offset 39 of 'RamStream': position 58 is not from 59 to 66");
+    EXPECT_THROW(chunky.SetStreamPos(67), std::exception);
+    EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
+}
+
+TEST(ChunkyReader, AFolderCanBeReadAgain) {
+    FilledStream stream(exampleBytes());
+    Chunky chunky(stream, 0);
+    Chunky::ChunkInfo info;
+    ASSERT_TRUE(chunky.PeekChunk(info));
+    chunky.ReadFolderChunk(c_menu, 1);
+    chunky.PopChunk();
+    chunky.SetStreamPos(info.headerOffset);
+    EXPECT_EQ(chunky.ReadFolderChunk(c_menu, 1).GetVersion(), 1u);
+}
+
+TEST(ChunkyReader, AFileCutAtAnyByteThrows) {
+    std::string const whole = exampleBytes();
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        FilledStream stream(whole.substr(0, size));
+        EXPECT_THROW(readExample(stream, 0), std::exception) << size;
+    }
+    // the same when the stream promises more than it gives; entering skips the 3 bytes of the name
+    for (unsigned int size = 0; size < whole.size() - 3; ++size) {
+        FilledStream memory(whole);
+        FailingStream stream(memory, size);
+        EXPECT_THROW(readExample(stream, 0), std::exception) << size;
+    }
+}
+
+TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
+    struct Field {
+        unsigned int offset; // of the word
+        unsigned int header; // of its chunk
+        unsigned int depth;  // folders to enter first
+        std::uint32_t rest;  // the largest value that fits
+        char const * name;
+    };
+
+    Field const fields[] = {
+        {28, 16, 0, 30, "size"},
+        {32, 16, 0, 3, "name length"}, // in front of a body of 30
+        {51, 39, 1, 10, "size"},
+        {55, 39, 1, 0, "name length"},
+    };
+    for (Field const & field : fields) {
+        std::uint32_t const values[] = {0,          1,         field.rest - 1, field.rest, field.rest + 1,
+                                        0x80000000, 0xFFFFFFFF};
+        for (std::uint32_t const value : values) {
+            std::string bytes = exampleBytes();
+            patch(bytes, field.offset, value);
+            FilledStream stream(bytes);
+            Chunky chunky(stream, 0);
+            if (field.depth > 0)
+                chunky.ReadFolderChunk(c_menu, 1);
+            Chunky::ChunkInfo info;
+            bool const fits = value <= field.rest;
+            std::string const reason = reasonOf([&] { chunky.PeekChunk(info); });
+            EXPECT_EQ(reason == "no exception", fits) << field.name << " " << value << ": " << reason;
+            EXPECT_EQ(chunky.GetStreamPos(), field.header);
+            EXPECT_EQ(stream->GetPos(), field.header);
+            EXPECT_LE(info.bodyOffset + info.bodySize, 69u);
+        }
+    }
+    std::string bytes = exampleBytes().substr(0, 48);
+    patch(bytes, 28, 4000);
+    FilledStream stream(bytes);
+    Chunky chunky(stream, 0);
+    EXPECT_EQ(reasonOf([&] { chunky.ReadFolderChunk(c_menu, 1); }),
+              "chunk 'MENU' at offset 16 of 'RamStream': size 4000 exceeds the 9 bytes left");
+}
+
+TEST(ChunkyReader, DamagedHeadersThrow) {
+    std::string kind = exampleBytes();
+    patch(kind, 16, 3);
+    std::string tail = exampleBytes() + std::string(19, '\0');
+    for (std::string const & bytes : {kind, tail}) {
+        FilledStream stream(bytes);
+        Chunky chunky(stream, 0);
+        Chunky::ChunkInfo info;
+        EXPECT_THROW(
+            while (chunky.PeekChunk(info)) {
+                chunky.ReadFolderChunk(info.id, info.version);
+                chunky.PopChunk();
+            },
+            std::exception);
+    }
+}
+
+TEST(ChunkyReader, ABigReadPassesThroughAsOne) {
+    unsigned int const size = 10 * 1024 * 1024;
+    FilledStream memory;
+    {
+        Chunky chunky(memory, 1);
+        chunky.WriteDataChunk(c_item, 1, -1);
+        std::vector<char> const image(size, 'x');
+        chunky.WriteBytes(image.data(), size);
+        chunky.PopChunk();
+    }
+    memory->SetPos(0);
+    FailingStream stream(memory, c_endless);
+    Chunky chunky(&stream, 0);
+    chunky.ReadDataChunk(c_item, 1);
+    std::vector<char> image(size);
+    unsigned int const before = stream.transfers;
+    chunky.ReadBytes(image.data(), size);
+    EXPECT_EQ(stream.transfers, before + 1);
+    EXPECT_EQ(std::count(image.begin(), image.end(), 'x'), std::ptrdiff_t{size});
+}
+
+TEST(ChunkyReader, DepthIsBoundedByMemoryOnly) {
+    unsigned int const depth = 100000;
+    FilledStream stream;
+    {
+        Chunky chunky(stream, 1);
+        for (unsigned int i = 0; i < depth; ++i)
+            chunky.WriteFolderChunkName(c_menu, i, nullptr);
+        for (unsigned int i = 0; i < depth; ++i)
+            chunky.PopChunk();
+    }
+    stream->SetPos(0);
+    Chunky chunky(stream, 0);
+    for (unsigned int i = 0; i < depth; ++i)
+        ASSERT_EQ(chunky.ReadFolderChunk(c_menu, depth).GetVersion(), i);
+    for (unsigned int i = 0; i < depth; ++i)
+        chunky.PopChunk();
+}
+
+TEST(ChunkyWriter, GoingBackOverwritesInsideTheOpenChunk) {
+    FilledStream stream;
+    Chunky chunky(stream, 1);
+    chunky.WriteDataChunk(c_item, 1, -1);
+    unsigned int const start = chunky.GetStreamPos();
+    chunky.WriteBytes("abcdef", 6);
+    chunky.SetStreamPos(start + 1);
+    chunky.WriteBytes("#", 1);
+    EXPECT_THROW(chunky.SetStreamPos(start - 1), std::exception);
+    EXPECT_THROW(chunky.SetStreamPos(start + 7), std::exception);
+    std::uint32_t word = 0;
+    EXPECT_THROW(chunky.Read(word), std::exception);
+    EXPECT_THROW(chunky.ReadDataChunk(c_item, 1), std::exception);
+    EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception); // a data chunk holds no chunks
+    chunky.PopChunk(); // ends behind everything that was written, wherever the position is
+    EXPECT_THROW(chunky.WriteBytes("x", 1), std::exception);
+    EXPECT_THROW(chunky.SetStreamPos(start), std::exception);
+    chunky.WriteDataChunk(c_item, 1, -1);
+    chunky.PopChunk();
+    EXPECT_THROW(chunky.PopChunk(), std::exception);
+
+    stream->SetPos(0);
+    Chunky reader(stream, 0);
+    Chunky::ChunkInfo info;
+    ASSERT_TRUE(reader.PeekChunk(info));
+    EXPECT_EQ(info.bodySize, 6u);
+    EXPECT_EQ(stream.Content().substr(info.bodyOffset, 6), "a#cdef");
+    reader.ReadDataChunk(c_item, 1);
+    reader.PopChunk();
+    reader.ReadDataChunk(c_item, 1);
+}
+
+// Whatever the byte at which the stream fails: an exception, no further writes, and the stream is discarded.
+TEST(ChunkyWriter, AFailedWriteGivesTheFileUp) {
+    unsigned int const whole = static_cast<unsigned int>(exampleBytes().size()) + 8; // and two patched sizes
+    for (unsigned int budget = 0; budget <= whole; ++budget) {
+        FilledStream memory;
+        FailingStream stream(memory, budget);
+        std::string const reason = reasonOf([&] { writeExample(stream, 1); });
+        EXPECT_EQ(reason == "no exception", budget == whole) << budget << ": " << reason;
+        EXPECT_EQ(stream.IsDiscarded(), budget < whole) << budget;
+    }
+    FilledStream memory;
+    FailingStream stream(memory, 17);
+    Chunky chunky(&stream, 1);
+    EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
+    EXPECT_EQ(reasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }),
+              "'RamStream' at offset 16: an earlier write failed, the chunk file is given up");
+    EXPECT_THROW(chunky.PopChunk(), std::exception);
+}
+
+TEST(ChunkyWriter, OnlyAWriterWithAnOpenChunkDiscards) {
+    FilledStream memory;
+    FailingStream written(memory, c_endless);
+    writeExample(written, 1);
+    EXPECT_FALSE(written.IsDiscarded());
+
+    memory->SetPos(0);
+    FailingStream read(memory, c_endless);
+    Chunky(&read, 0).ReadFolderChunk(c_menu, 1);
+    EXPECT_FALSE(read.IsDiscarded());
+
+    Chunky(&read, 0);
+    EXPECT_FALSE(read.IsDiscarded());
+
+    FailingStream left(memory, c_endless);
+    Chunky(&left, 1).WriteDataChunk(c_item, 1, -1);
+    EXPECT_TRUE(left.IsDiscarded());
+}
+
+TEST(Chunky, TakesAProxysStreamOver) {
+    FilledStream memory;
+    ByteStreamProxy proxy(new FailingStream(memory, c_endless));
+    {
+        Chunky chunky(proxy, 1);
+        EXPECT_FALSE(proxy);
+        chunky.WriteDataChunk(c_item, 1, -1);
+        chunky.PopChunk();
+    }
+    EXPECT_EQ(memory->GetLen(), 36u);
+    EXPECT_THROW(Chunky(proxy, 1), std::exception);
+    EXPECT_THROW(Chunky(static_cast<ByteStream *>(nullptr), 0), std::exception);
+}
+
+} // namespace

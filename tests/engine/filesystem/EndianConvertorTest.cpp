@@ -1,1 +1,175 @@
+#include "Cross/engine/filesystem/EndianConvertor.h"
+#include "Cross/engine/filesystem/ByteStreamAdapter.h"
+#include "tests/support/FailingStream.h"
+#include "tests/support/StreamBytes.h"
+
 #include <gtest/gtest.h>
+
+#include <bit>
+#include <numeric>
+#include <stdexcept>
+#include <vector>
+
+namespace {
+
+constexpr PlatformType c_swapped = 2;
+
+// Writes a value for a platform, compares the bytes and reads it back.
+template <class T>
+void expectStored(T value, PlatformType platform, char const * hex) {
+    FilledStream stream;
+    EndianConvertor converter(platform);
+    ByteStreamAdapter adapter(stream, &converter);
+    adapter.Write(value);
+    EXPECT_EQ(stream.Content(), FromHex(hex)) << value << " for platform " << platform;
+    adapter.SetStreamPos(0);
+    T back{};
+    adapter.Read(back);
+    EXPECT_EQ(back, value);
+}
+
+TEST(EndianConvertor, StoresEachTypeInThePlatformsOrder) {
+    // 0 and 1 are native
+    expectStored(std::uint32_t{0x01020304}, 0, "04030201");
+    expectStored(std::uint32_t{0x01020304}, 1, "04030201");
+    expectStored(1.5, 1, "000000000000F83F");
+
+    expectStored(1.5, c_swapped, "3FF8000000000000");
+    expectStored(-1.5f, c_swapped, "BFC00000");
+    expectStored(std::uint64_t{0x0102030405060708}, c_swapped, "0102030405060708");
+    expectStored(std::uint32_t{0x01020304}, c_swapped, "01020304");
+    expectStored(std::uint16_t{0x0102}, c_swapped, "0102");
+    expectStored(std::uint8_t{0xFE}, c_swapped, "FE");
+    expectStored(std::int64_t{-2}, c_swapped, "FFFFFFFFFFFFFFFE");
+    expectStored(std::int32_t{-2}, c_swapped, "FFFFFFFE");
+    expectStored(std::int16_t{-2}, c_swapped, "FFFE");
+    expectStored('a', c_swapped, "61");
+    expectStored(true, c_swapped, "01");
+
+    // every other value swaps too
+    expectStored(std::uint16_t{0x0102}, 0xFFFFFFFF, "0102");
+}
+
+// A float whose bytes are swapped may look like a signalling NaN, which a trip through a register would
+// change.
+TEST(EndianConvertor, SwappedFloatsKeepEveryBit) {
+    std::uint32_t const patterns[] = {0x0100A07F, 0x7FA00001, 0xFFFFFFFF, 0x00000001};
+    for (std::uint32_t const bits : patterns) {
+        FilledStream stream;
+        EndianConvertor converter(c_swapped);
+        ByteStreamAdapter adapter(stream, &converter);
+        float const value = std::bit_cast<float>(bits);
+        adapter.Write(&value, 1);
+        adapter.SetStreamPos(0);
+        float back[1];
+        adapter.Read(back, 1);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(back[0]), bits);
+    }
+}
+
+TEST(EndianConvertor, LongArraysAreConvertedWithoutTouchingTheSource) {
+    std::vector<std::uint32_t> values(5000);
+    std::iota(values.begin(), values.end(), 0x01000000u);
+    std::vector<std::uint32_t> const source = values;
+    FilledStream stream;
+    EndianConvertor converter(c_swapped);
+    ByteStreamAdapter adapter(stream, &converter);
+    adapter.Write(values.data(), 5000);
+    EXPECT_EQ(values, source);
+    EXPECT_EQ(stream.Content().substr(4 * 4999), FromHex("01001387"));
+
+    adapter.SetStreamPos(0);
+    std::vector<std::uint32_t> back(5000);
+    adapter.Read(back.data(), 5000);
+    EXPECT_EQ(back, source);
+}
+
+TEST(EndianConvertor, CountsTheBytesThatPassed) {
+    std::vector<std::uint32_t> values(5000);
+    FilledStream memory;
+    EndianConvertor converter(c_swapped);
+    EXPECT_EQ(converter.Write(values.data(), 5000), 0u); // no stream yet
+
+    FailingStream writing(memory, 3001);
+    converter.SetStream(&writing);
+    EXPECT_EQ(converter.Write(values.data(), 5000), 3001u);
+    EXPECT_EQ(converter.Write(values.data(), 0x40000001), 0u); // 4 bytes in 32-bit arithmetic
+
+    memory->SetPos(0);
+    FailingStream reading(memory, 6);
+    converter.SetStream(&reading);
+    EXPECT_EQ(converter.Read(values.data(), 5000), 6u);
+}
+
+TEST(EndianConvertor, HostileBoolsBecomeTrue) {
+    FilledStream stream(FromHex("00 80"));
+    EndianConvertor converter(c_swapped);
+    converter.SetStream(stream);
+    bool flags[2];
+    EXPECT_EQ(converter.Read(flags, 2), 2u);
+    EXPECT_EQ(std::bit_cast<unsigned char>(flags[0]), 0);
+    EXPECT_EQ(std::bit_cast<unsigned char>(flags[1]), 1);
+}
+
+TEST(EndianConvertor, TextsAreUnitsBehindALengthWord) {
+    FilledStream stream;
+    EndianConvertor converter(c_swapped);
+    converter.SetStream(stream);
+    converter.WriteString("ab");
+    converter.WriteString(u"c\u20AC");
+    converter.WriteString(static_cast<char16_t const *>(nullptr));
+    EXPECT_EQ(stream.Content(), FromHex("00000002 6162  00000002 0063 20AC  00000000"));
+
+    stream->SetPos(0);
+    std::string narrow;
+    std::u16string wide;
+    converter.ReadString(narrow);
+    converter.ReadString(wide);
+    EXPECT_EQ(narrow, "ab");
+    EXPECT_EQ(wide, u"c\u20AC");
+
+    stream->SetPos(6);
+    char16_t buffer[] = u"..";
+    converter.ReadString(buffer, 2);
+    EXPECT_EQ(std::u16string(buffer, 2), std::u16string(u"c\0", 2));
+    EXPECT_EQ(stream->GetPos(), 14u);
+
+    // two units are there, three are announced
+    FilledStream damaged(FromHex("00000003 0063 20AC 00"));
+    converter.SetStream(damaged);
+    EXPECT_THROW(converter.ReadString(wide), std::runtime_error);
+    EXPECT_EQ(wide, u"c\u20AC");
+}
+
+TEST(EndianConvertor, StructsAreNeverConverted) {
+    FilledStream stream;
+    EndianConvertor converter(c_swapped);
+    converter.SetStream(stream);
+    converter.BeginAlignStruct(16);
+    converter.WriteNativeStruct("abcd", 4);
+    converter.WriteGenericStruct("ef", 2);
+    converter.EndAlignStruct();
+    EXPECT_EQ(stream.Content(), "abcdef");
+
+    stream->SetPos(0);
+    char bytes[4];
+    converter.ReadGenericStruct(bytes, 4);
+    EXPECT_EQ(std::string(bytes, 4), "abcd");
+    EXPECT_THROW(converter.ReadNativeStruct(bytes, 4), std::runtime_error);
+    EXPECT_EQ(converter.GetFormat(), c_swapped);
+}
+
+TEST(EndianConvertor, OneServesSeveralAdaptersInTurn) {
+    FilledStream left, right;
+    EndianConvertor converter(c_swapped);
+    ByteStreamAdapter leftAdapter(left, &converter), rightAdapter(right, &converter);
+    leftAdapter.Write(std::uint16_t{1});
+    rightAdapter.Write(std::uint16_t{2});
+    leftAdapter.WriteString("x");
+    leftAdapter.SetConverter(nullptr);
+    leftAdapter.Write(std::uint16_t{3});
+    EXPECT_EQ(left.Content(), FromHex("0001 00000001 78 0300"));
+    EXPECT_EQ(right.Content(), FromHex("0002"));
+}
+
+} // namespace

@@ -1,1 +1,90 @@
+#include "tests/support/StreamBytes.h"
+
 #include <gtest/gtest.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace {
+
+TEST(RamStream, GrowsAndOverwrites) {
+    RamStream stream;
+    ASSERT_TRUE(stream.Open(1, c_streamWrite));
+    std::string expected;
+    for (int i = 0; i < 1000; ++i) {
+        std::string const line = "line " + std::to_string(i) + "\n";
+        EXPECT_EQ(stream.Write(line.data(), static_cast<unsigned int>(line.size())), line.size());
+        expected += line;
+    }
+    stream.SetPos(5);
+    stream.Write("#", 1);
+    expected[5] = '#';
+    EXPECT_EQ(stream.GetPos(), 6u);
+    ASSERT_EQ(stream.GetLen(), expected.size());
+    EXPECT_EQ(std::string(static_cast<char *>(stream.GetBuffer()), stream.GetLen()), expected);
+
+    // across the end
+    stream.SetPos(stream.GetLen() - 1);
+    stream.Write("ab", 2);
+    EXPECT_EQ(stream.GetLen(), expected.size() + 1);
+}
+
+TEST(RamStream, AGapIsFilledWithZeros) {
+    FilledStream stream("ab");
+    stream->SetPos(5);
+    EXPECT_EQ(stream->GetLen(), 2u); // moving alone does not write
+    stream->Write("c", 1);
+    EXPECT_EQ(stream.Content(), std::string("ab\0\0\0c", 6));
+}
+
+TEST(RamStream, ReadsBackWhatWasWritten) {
+    FilledStream stream("abcdef");
+    char buffer[8] = "";
+    EXPECT_EQ(stream->Read(buffer, 4), 4u);
+    EXPECT_EQ(stream->Read(buffer, 4), 2u); // the rest
+    EXPECT_EQ(std::string(buffer, 4), "efcd");
+    EXPECT_EQ(stream->Read(buffer, 4), 0u);
+    stream->SetPos(7);
+    EXPECT_EQ(stream->Read(buffer, 4), 0u);
+    EXPECT_EQ(stream->GetPos(), 7u);
+}
+
+TEST(RamStream, DetachGivesTheBytesAwayAndCloses) {
+    FilledStream stream("abc");
+    std::unique_ptr<char[]> const bytes(static_cast<char *>(stream->Detach()));
+    EXPECT_EQ(std::string(bytes.get(), 3), "abc");
+    EXPECT_FALSE(stream->IsOpen());
+    EXPECT_EQ(stream->GetLen(), 0u);
+    EXPECT_EQ(stream->GetBuffer(), nullptr);
+    EXPECT_EQ(stream->Write("x", 1), 0u);
+
+    ASSERT_TRUE(stream->Open(0, c_streamWrite));
+    EXPECT_EQ(stream->Write("x", 1), 1u);
+    EXPECT_EQ(stream.Content(), "x");
+}
+
+TEST(RamStream, OnlyAnOpenWriterTakesBytes) {
+    RamStream stream;
+    EXPECT_FALSE(stream.IsOpen());
+    EXPECT_FALSE(stream.Flush());
+    EXPECT_EQ(stream.Write("x", 1), 0u);
+    EXPECT_TRUE(stream.Open(0x1000, c_streamRead));
+    EXPECT_EQ(stream.Write("x", 1), 0u);
+    EXPECT_FALSE(stream.Open(0x1000, 3));
+    EXPECT_FALSE(stream.IsOpen());
+    EXPECT_TRUE(stream.Open(0x1000, c_streamWrite));
+    stream.Write("x", 1);
+    stream.Discard();
+    EXPECT_EQ(stream.Write("y", 1), 0u);
+    EXPECT_EQ(stream.GetLen(), 1u);
+}
+
+TEST(RamStream, FourGigabytesAreRefusedBeforeAnythingChanges) {
+    FilledStream stream("abc");
+    stream->SetPos(0xFFFFFFFF);
+    EXPECT_THROW(stream->Write("x", 1), std::length_error);
+    EXPECT_EQ(stream.Content(), "abc");
+    EXPECT_EQ(stream->GetPos(), 0xFFFFFFFFu);
+}
+
+} // namespace
