@@ -9,6 +9,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace {
@@ -193,8 +194,8 @@ TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
     log.puts("new");
     EXPECT_EQ(folder.ReadFile("abc.txt"), "new\n");
     // a name that does not fit is not cut to that of another file
-    for (std::size_t length : {longest.size() + 1, c_maxPath - 1, c_maxPath, c_maxPath + 40})
-        EXPECT_FALSE(log.CreateWithName(std::string(length, 'n').c_str(), true, false)) << length;
+    for (std::string const & tooLong : {longest + "n", "log:" + longest + "n.txt", std::string(400, 'n')})
+        EXPECT_FALSE(log.CreateWithName(tooLong.c_str(), true, false)) << tooLong;
     EXPECT_FALSE(log.IsOpened());
     EXPECT_FALSE(log.CreateWithName("nowhere:abc", true, false));
     EXPECT_FALSE(log.CreateWithName("../abc", true, false));
@@ -280,6 +281,12 @@ TEST_F(LogFileTest, CopyingMovesTheOpenFile) {
     target = LogFile();
     EXPECT_FALSE(target.IsOpened());
     EXPECT_TRUE(crashFiles().empty());
+
+    ASSERT_TRUE(source.CreateWithName("kept", true, true));
+    target = source;
+    target.Close();
+    ASSERT_EQ(crashFiles().size(), 1u);
+    dbCrashRemoveCrashFile(crashFiles()[0].handle);
 }
 
 } // namespace
