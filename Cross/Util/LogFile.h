@@ -45,9 +45,9 @@ public:
     void puts(char const * text);
 
     // "log:NAME.YYYY-MM-DD.HH-MM-SS.EXTENSION" with the local time at which the program started and the name
-    // in lower case, made legal as a file name: name and time together are cut to 200 bytes. The extension may
-    // have its leading point or not. `filename` holds at least 260 characters and may be `name`; "" when the
-    // whole does not fit.
+    // in lower case, made legal as a file name: name and time together are cut to 200 bytes. The extension
+    // may have its leading point or not. `filename` holds at least 260 characters and may be `name`; "" when
+    // the whole does not fit.
     static void MakeFilename(char * filename, char const * name, char const * extension);
 
     // The same in place: `filename` is the name, the extension is ".txt".
