@@ -26,18 +26,43 @@ bool isTable(BCTypes::FieldEntryType type) {
     return type == BCTypes::Table || type == BCTypes::TableUnsorted;
 }
 
-// The first of `count` ascending fields whose key is not below `key`. Each step is a load and a conditional
-// move: where the key lies cannot be predicted.
-FieldInfo const * lowerBound(FieldInfo const * first, std::size_t count, std::uint32_t key) {
-    while (count > 0) {
+// Candidates of a search: consecutive fields, in ascending order of key.
+struct Candidates {
+    FieldInfo const * first;
+    std::size_t count;
+};
+
+constexpr std::size_t c_largeTable = 1000;
+constexpr std::int64_t c_window = 32;
+
+// Keys are hashes and spread evenly, so the place of one in a large table can be guessed. The first guess is
+// off by about the square root of the count, the second, which starts from the key found there, by the square
+// root of that. Gives the fields around it when the key belongs among them, else all candidates.
+Candidates narrow(Candidates all, std::uint32_t key) {
+    auto const count = static_cast<std::int64_t>(all.count);
+    auto const place = [count](std::int64_t distance) { return distance * count >> 32; };
+    std::int64_t guess = place(key);
+    guess += place(std::int64_t{key} - keyOf(all.first + guess));
+    std::int64_t const low = std::clamp<std::int64_t>(guess - c_window, 0, count - 1);
+    std::int64_t const high = std::clamp<std::int64_t>(guess + c_window, 0, count - 1);
+    if (keyOf(all.first + low) < key && key <= keyOf(all.first + high))
+        return {all.first + low + 1, static_cast<std::size_t>(high - low)};
+    return all;
+}
+
+// The first candidate whose key is not below `key`, or one past the last. Each step is a load and a
+// conditional move, because no branch could be predicted.
+FieldInfo const * lowerBound(Candidates all, std::uint32_t key) {
+    if (all.count == 0)
+        return all.first;
+    auto [first, count] = all.count > c_largeTable ? narrow(all, key) : all;
+    while (count > 1) {
         std::size_t const half = count / 2;
-        if (keyOf(first + half) < key) {
-            first += half + 1;
-            count -= half + 1;
-        } else
-            count = half;
+        FieldInfo const * const middle = first + half;
+        first = keyOf(middle - 1) < key ? middle : first;
+        count -= half;
     }
-    return first;
+    return first + (keyOf(first) < key);
 }
 
 FieldInfo const * firstEqual(FieldInfo const * first, FieldInfo const * last, std::uint32_t key) {
@@ -207,7 +232,7 @@ FieldInfo const * BinaryConfig::FindField(std::uint32_t key) const {
 FieldInfo const * BinaryConfig::FindFieldInfo(TableInfo const & table, std::uint32_t key) const {
     auto const count = static_cast<std::size_t>(table.fieldsEnd - table.fieldsBegin);
     FieldInfo const * const found = table.unsorted ? firstEqual(table.fieldsBegin, table.fieldsEnd, key)
-                                                   : lowerBound(table.fieldsBegin, count, key);
+                                                   : lowerBound({table.fieldsBegin, count}, key);
     return found != table.fieldsEnd && keyOf(found) == key ? found : nullptr;
 }
 

@@ -14,6 +14,9 @@ public:
 
     static Entry const & Root(BinaryConfigCreator const & creator) { return *creator.root; }
 
+    // The image is never longer than that.
+    static std::uint64_t ImageBound(BinaryConfigCreator const & creator) { return creator.imageBound; }
+
     // The field of the current table, of whatever type; null when there is none.
     static FieldInfo const * FindField(BinaryConfig const & config, std::uint32_t key) {
         return config.FindField(key);

@@ -66,24 +66,36 @@ private:
     friend class BCInternal::Access;
 
     struct InternalEntry; // a node of the tree, in a private header
+    class Children;       // the fields of a table
 
-    InternalEntry * FindEntry(InternalEntry const * table, std::uint32_t key, char const * name) const;
-    InternalEntry * FindEntry(InternalEntry const * table, char const * name) const;
-    InternalEntry * CreateTable(std::uint32_t key);
-    InternalEntry * CreateTable(char const * name);
+    // A key and the name it comes from; `text` is null when only the key is known.
+    struct FieldName {
+        std::uint32_t key;
+        char const * text;
+        std::size_t length;
+    };
 
-    // A null name stands for a field of which only the key is known.
-    InternalEntry * createEntry(std::uint32_t key, char const * name, BCTypes::FieldEntryType type,
-                                void const * value, std::size_t size);
-    bool addField(std::uint32_t key, char const * name, BCTypes::FieldEntryType type, void const * value,
-                  std::size_t size);
-    void addTable(InternalEntry * table, bool unsorted);
+    static FieldName unnamed(std::uint32_t key) { return {key, nullptr, 0}; }
+
+    static FieldName named(char const * name);
+
+    InternalEntry * FindEntry(InternalEntry const * table, FieldName const & name) const;
+    InternalEntry * CreateTable(FieldName const & name);
+    InternalEntry * createEntry(FieldName const & name, BCTypes::FieldEntryType type, void const * value,
+                                std::size_t size);
+    void * allocate(std::size_t size);
+
+    bool addField(FieldName const & name, BCTypes::FieldEntryType type, void const * value, std::size_t size);
+    bool pushTable(FieldName const & name, bool unsorted);
     void addChild(InternalEntry * entry);
-    void enter(InternalEntry * table);
 
     InternalEntry * root;
     InternalEntry * current;
     std::vector<InternalEntry *> tableStack;
     bool ownsPool;
     _HMEMPOOL * pool;
+    char * freeBegin = nullptr; // what is left of the last block for small entries
+    char * freeEnd = nullptr;
+    Children * lastChildren = nullptr; // end of the chain of all lists of children
+    std::uint64_t imageBound = 4;      // the image is never longer, whatever the order of its fields
 };

@@ -3,57 +3,58 @@
 // The nodes of the tree of a BinaryConfigCreator. Private to the library.
 
 #include "Cross/Util/BinaryConfigCreator.h"
-#include "Cross/engine/memory/PoolAllocator.h"
 
 #include <cstdint>
 #include <vector>
 
-// One field: this record, its value and its name, in one block of the builder's pool. Entries are never
-// destroyed one by one: all they own lies in the pool too, and goes when it is cleared.
+// One field: this record, behind it its value, behind that its name. Entries lie in the builder's pool and go
+// with it.
 struct BinaryConfigCreator::InternalEntry {
-    class Children;
-
     // The value as it goes into the image, text terminators included, but in native byte order.
-    void const * Value() const { return this + 1; }
+    char const * Value() const { return reinterpret_cast<char const *>(this + 1); }
+
+    // At most 255 characters; a text of its own for an entry of which only the key is known.
+    char const * Name() const { return isNamed ? Value() + valueSize : "^* CREATED-FROM-HASH *^"; }
 
     std::uint32_t key;
     BCTypes::FieldEntryType type;
     unsigned int valueSize;
-    char const * name; // its first 255 characters, or a text of its own where only the key is known; not
-                       // written to the image
-    InternalEntry * nextSibling = nullptr; // in the order of adding
-    Children * children = nullptr;         // null until the first is added
+    bool isNamed;
+    Children * children; // null until the first is added
 };
 
-// The fields of a table, in the order of adding, and an index by key. Sorting is left to the flattener: since
-// keys in a table are unique, nobody can tell when it happened.
-class BinaryConfigCreator::InternalEntry::Children {
+// The fields of a table, in the order of adding. Sorting is left to the flattener: keys in a table are
+// unique, so nobody can tell when it happened.
+class BinaryConfigCreator::Children {
 public:
-    explicit Children(_HMEMPOOL * pool);
+    // Chains up with the children that were made before.
+    explicit Children(Children * previous) : previous(previous) {}
 
-    InternalEntry * Find(std::uint32_t key) const { return slots[slotOf(key)].entry; }
+    InternalEntry * Find(std::uint32_t key) const;
 
     // The key must be new. Throws std::bad_alloc, and then nothing has changed.
-    void Add(InternalEntry & entry);
+    void Add(InternalEntry * entry);
 
-    InternalEntry const * First() const { return first; }
+    std::vector<InternalEntry *> const & InOrder() const { return entries; }
 
-    std::size_t Count() const { return count; }
+    Children * Previous() const { return previous; }
 
 private:
+    // A used one holds the key of an entry and its place in the order, counted from 1; an empty one the place
+    // 0.
     struct Slot {
         std::uint32_t key = 0;
-        InternalEntry * entry = nullptr;
+        std::uint32_t place = 0;
     };
 
-    using Slots = std::vector<Slot, PoolAllocator<Slot>>;
+    using Index = std::vector<Slot>;
 
     // Where the entry of that key is, or the empty slot where it belongs.
-    std::size_t slotOf(std::uint32_t key) const;
+    static std::size_t slotOf(Index const & index, std::uint32_t key);
     void growIndex();
 
-    InternalEntry * first = nullptr;
-    InternalEntry * last = nullptr;
-    std::size_t count = 0;
-    Slots slots; // open addressing; their number is a power of two, at most half of them are used
+    std::vector<InternalEntry *> entries;
+    Index index; // by key, once the entries are too many for a scan; its size is a power of two, at most half
+                 // used
+    Children * previous;
 };

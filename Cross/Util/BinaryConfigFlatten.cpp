@@ -2,16 +2,13 @@
 
 #include "Cross/Util/BinaryConfigAccess.h"
 #include "Cross/Util/BinaryConfigEntry.h"
-#include "Cross/engine/filesystem/ByteStreamAdapter.h"
-#include "Cross/engine/filesystem/EndianConvertor.h"
-#include "Cross/engine/filesystem/RamStream.h"
+#include "Cross/engine/core/SmallVector.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
-#include <vector>
 
 namespace BCInternal {
 
@@ -22,93 +19,66 @@ using Entry = Access::Entry;
 static_assert(std::endian::native == std::endian::little,
               "wide text goes into an image as it lies in memory");
 
-constexpr unsigned int c_firstAllocation = 0x1000;
-constexpr std::size_t c_wordsPerField = 3;
+constexpr std::size_t c_noTable = std::numeric_limits<std::size_t>::max();
 
-template <class T>
-T valueOf(Entry const & entry) {
-    T value;
-    std::memcpy(&value, entry.Value(), sizeof(value));
-    return value;
+std::uint32_t wordOf(Entry const & entry) {
+    std::uint32_t word;
+    std::memcpy(&word, entry.Value(), sizeof(word));
+    return word;
 }
 
-// Walks the tree depth first, with a stack of its own: tables may be nested deeper than the program's stack.
-// Every open table has its items on one stack and the words of its field records on another.
+// Writes a tree depth first, with lists instead of recursion: tables may be nested deeper than the program's
+// stack.
 class Flattener {
 public:
-    explicit Flattener(ByteStreamAdapter & out) : out(out) {}
+    // The image must have room for the bound of the builder.
+    Flattener(char * image, bool swapsWords) : image(image), end(image), swapsWords(swapsWords) {}
 
-    void WriteAll(Entry const & root) {
+    // Gives the size of the image.
+    unsigned int WriteAll(Entry const & root) {
         openTable(root);
-        while (!open.empty()) {
-            if (open.back().nextItem < items.size())
-                writeField();
+        while (current != c_noTable) {
+            Table & table = tables[current];
+            if (reinterpret_cast<char *>(table.nextRecord) == table.data)
+                current = table.parent;
             else
-                closeTable();
+                writeField(table);
         }
+        return static_cast<unsigned int>(end - image);
     }
 
 private:
-    struct Item {
-        std::uint32_t key;
+    struct Table {
         Entry const * entry;
+        FieldInfo * nextRecord;
+        char * data; // where the records end
+        std::size_t parent;
     };
 
-    struct OpenTable {
-        std::size_t firstItem;
-        std::size_t nextItem;
-        unsigned int recordsPosition;
-        unsigned int dataPosition;
-    };
-
-    // Writes the count and keeps room for the records, which are known only when the values are written.
-    void openTable(Entry const & table) {
-        std::size_t const firstItem = items.size();
-        pushItems(table);
-        std::size_t const count = items.size() - firstItem;
-        if (count > std::numeric_limits<unsigned int>::max() / (c_wordsPerField * sizeof(std::uint32_t)))
-            throw std::length_error("attribute table: too many fields");
-        out.Write(static_cast<std::uint32_t>(count));
-        unsigned int const recordsPosition = out.GetStreamPos();
-        out.Write(records.data() + c_wordsPerField * firstItem,
-                  static_cast<unsigned int>(c_wordsPerField * count));
-        open.push_back({firstItem, firstItem, recordsPosition, out.GetStreamPos()});
-    }
-
-    void pushItems(Entry const & table) {
-        auto const firstItem = static_cast<std::ptrdiff_t>(items.size());
-        if (table.children) {
-            for (Entry const * entry = table.children->First(); entry; entry = entry->nextSibling)
-                items.push_back({entry->key, entry});
+    void openTable(Entry const & entry) {
+        std::size_t const count = entry.children ? entry.children->InOrder().size() : 0;
+        writeWord(static_cast<std::uint32_t>(count));
+        auto * const records = reinterpret_cast<FieldInfo *>(end);
+        for (std::size_t place = 0; place < count; ++place) {
+            Entry const & child = *entry.children->InOrder()[place];
+            records[place] = {child.key, child.type, static_cast<std::uint32_t>(place)};
         }
-        if (table.type != BCTypes::TableUnsorted)
-            std::sort(items.begin() + firstItem, items.end(),
-                      [](Item const & left, Item const & right) { return left.key < right.key; });
-        records.resize(c_wordsPerField * items.size());
+        if (entry.type != BCTypes::TableUnsorted)
+            std::sort(records, records + count,
+                      [](FieldInfo const & left, FieldInfo const & right) { return left.key < right.key; });
+        end += count * sizeof(FieldInfo);
+        tables.push_back({&entry, records, end, current});
+        current = tables.size() - 1;
     }
 
-    void closeTable() {
-        OpenTable const table = open.back();
-        unsigned int const end = out.GetStreamPos();
-        out.SetStreamPos(table.recordsPosition);
-        out.Write(records.data() + c_wordsPerField * table.firstItem,
-                  static_cast<unsigned int>(records.size() - c_wordsPerField * table.firstItem));
-        out.SetStreamPos(end);
-        items.resize(table.firstItem);
-        records.resize(c_wordsPerField * table.firstItem);
-        open.pop_back();
-    }
-
-    void writeField() {
-        OpenTable & table = open.back();
-        std::size_t const index = table.nextItem++;
-        Entry const & entry = *items[index].entry;
-        align(alignmentOf(entry.type));
-        std::uint32_t * const record = &records[c_wordsPerField * index];
-        record[0] = entry.key;
-        record[1] = entry.type;
-        record[2] = out.GetStreamPos() - table.dataPosition;
-        writeValue(entry);
+    // Until here the offset of a record was the place of the field in the order of adding.
+    void writeField(Table & table) {
+        FieldInfo & record = *table.nextRecord++;
+        Entry const & field = *table.entry->children->InOrder()[record.offset];
+        align(alignmentOf(field.type));
+        record = {stored(field.key), BCTypes::FieldEntryType(stored(field.type)),
+                  stored(static_cast<std::uint32_t>(end - table.data))};
+        writeValue(field);
     }
 
     static unsigned int alignmentOf(BCTypes::FieldEntryType type) {
@@ -124,42 +94,51 @@ private:
     }
 
     void align(unsigned int alignment) {
-        static constexpr char c_zeros[4] = {};
-        out.WriteBytes(c_zeros, -out.GetStreamPos() & (alignment - 1));
+        while ((end - image) % alignment != 0)
+            *end++ = 0;
     }
 
-    void writeValue(Entry const & entry) {
-        switch (entry.type) {
+    void writeValue(Entry const & field) {
+        switch (field.type) {
         case BCTypes::Float:
-            return out.Write(valueOf<float>(entry));
         case BCTypes::Integer:
-            return out.Write(valueOf<std::int32_t>(entry));
+            writeWord(wordOf(field));
+            break;
         case BCTypes::Bool:
-            return out.Write(valueOf<bool>(entry));
         case BCTypes::String:
         case BCTypes::WString:
-            return out.WriteBytes(entry.Value(), entry.valueSize);
+            end = std::copy_n(field.Value(), field.valueSize, end);
+            break;
         case BCTypes::Table:
         case BCTypes::TableUnsorted:
-            return openTable(entry);
+            openTable(field);
+            break;
         }
     }
 
-    ByteStreamAdapter & out;
-    std::vector<Item> items;
-    std::vector<std::uint32_t> records;
-    std::vector<OpenTable> open;
+    void writeWord(std::uint32_t word) {
+        word = stored(word);
+        std::memcpy(end, &word, sizeof(word));
+        end += sizeof(word);
+    }
+
+    std::uint32_t stored(std::uint32_t word) const { return swapsWords ? SwapBytes(word) : word; }
+
+    char * image;
+    char * end;
+    bool swapsWords;
+    ast::smallvector<Table, 16> tables; // in the order of opening
+    std::size_t current = c_noTable;
 };
 
 } // namespace
 
-void Flatten(BinaryConfigCreator const & creator, PlatformType platform, RamStream & stream) {
-    stream.Open(c_firstAllocation, c_streamWrite);
-    EndianConvertor convertor(platform);
-    ByteStreamAdapter out(&stream, nullptr);
-    if (platform != 1)
-        out.SetConverter(&convertor);
-    Flattener(out).WriteAll(Access::Root(creator));
+void Flatten(BinaryConfigCreator const & creator, PlatformType platform, FlatImage & image) {
+    std::uint64_t const bound = Access::ImageBound(creator);
+    if (bound > std::numeric_limits<unsigned int>::max())
+        throw std::length_error("BinaryConfigCreator: an image of 4 GiB");
+    image.bytes.reset(new char[bound]);
+    image.size = Flattener(image.bytes.get(), platform > 1).WriteAll(Access::Root(creator));
 }
 
 } // namespace BCInternal

@@ -12,15 +12,26 @@
 // little-endian units and a zero unit, at a multiple of 2. Table, TableUnsorted: a table. Bytes between
 // values are zero; nothing follows the last one. Words are in the byte order of the platform.
 
+#include "Cross/engine/core/ScopedArray.h"
 #include "Cross/engine/core/Types.h"
 
+#include <cstdint>
+
 class BinaryConfigCreator;
-class RamStream;
 
 namespace BCInternal {
 
-// Writes the image of the whole tree into `stream`, which is opened for it. The builder does not change.
-// Throws what the stream throws: std::bad_alloc, std::length_error at 4 GiB.
-void Flatten(BinaryConfigCreator const & creator, PlatformType platform, RamStream & stream);
+constexpr std::uint32_t SwapBytes(std::uint32_t word) {
+    return word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24;
+}
+
+struct FlatImage {
+    ast::scoped_array<char> bytes;
+    unsigned int size = 0;
+};
+
+// Makes the image of the whole tree; the builder does not change. Throws std::bad_alloc, and
+// std::length_error for an image of 4 GiB, with `image` as it was.
+void Flatten(BinaryConfigCreator const & creator, PlatformType platform, FlatImage & image);
 
 } // namespace BCInternal

@@ -8,7 +8,6 @@
 #include "Cross/engine/filesystem/Chunky.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
-#include "Cross/engine/filesystem/RamStream.h"
 
 #include <algorithm>
 #include <exception>
@@ -72,9 +71,9 @@ void writeContents(Chunky & chunky, BinaryConfig const & config, PlatformType) {
 }
 
 void writeContents(Chunky & chunky, BinaryConfigCreator const & creator, PlatformType platform) {
-    RamStream image;
+    BCInternal::FlatImage image;
     BCInternal::Flatten(creator, platform, image);
-    writeImage(chunky, crcOf(image.GetBuffer(), image.GetLen()), image.GetBuffer(), image.GetLen());
+    writeImage(chunky, crcOf(image.bytes.get(), image.size), image.bytes.get(), image.size);
 }
 
 // A failure leaves a file that stood there before as it was.
@@ -172,12 +171,10 @@ bool Save(char const * filename, BinaryConfigCreator const & creator, unsigned i
 }
 
 bool CreateBinaryConfig(BinaryConfigCreator const & creator, BinaryConfig & config, unsigned int platform) {
-    RamStream stream;
-    BCInternal::Flatten(creator, platform, stream);
-    unsigned int const size = stream.GetLen();
-    Access::CRC(config) = crcOf(stream.GetBuffer(), size);
-    ast::scoped_array<char> image(static_cast<char *>(stream.Detach()));
-    Access::SetData(config, image, size);
+    BCInternal::FlatImage image;
+    BCInternal::Flatten(creator, platform, image);
+    Access::CRC(config) = crcOf(image.bytes.get(), image.size);
+    Access::SetData(config, image.bytes, image.size);
     Access::SetFilename(config, "InMemoryFile");
     return true;
 }

@@ -1,3 +1,4 @@
+#include "Cross/Util/BinaryConfigFlatten.h"
 #include "Cross/Util/BinaryConfigIO.h"
 
 #include <algorithm>
@@ -10,12 +11,9 @@ namespace BinaryConfigIO {
 namespace {
 
 using BCInternal::FieldInfo;
+using BCInternal::SwapBytes;
 
 constexpr std::uint64_t c_countSize = 4;
-
-std::uint32_t swapped(std::uint32_t word) {
-    return word >> 24 | (word >> 8 & 0xFF00) | (word << 8 & 0xFF0000) | word << 24;
-}
 
 bool isKnown(std::uint32_t type) {
     return type <= BCTypes::WString || type == BCTypes::Table || type == BCTypes::TableUnsorted;
@@ -84,7 +82,7 @@ private:
     bool checkKeysAscend(std::uint64_t records) {
         for (std::uint64_t record = records; record + sizeof(FieldInfo) < end; record += sizeof(FieldInfo)) {
             if (load<std::uint32_t>(record) >= load<std::uint32_t>(record + sizeof(FieldInfo)))
-                return fail(record + sizeof(FieldInfo), "keys of a sorted table do not ascend");
+                return fail(record + sizeof(FieldInfo), "the keys of a sorted table do not ascend");
         }
         return true;
     }
@@ -174,11 +172,11 @@ private:
     bool isOfOtherByteOrder() const {
         if (!image || size < c_countSize)
             return false;
-        std::uint64_t const count = swapped(load<std::uint32_t>(0));
+        std::uint64_t const count = SwapBytes(load<std::uint32_t>(0));
         if (count == 0 || count > (size - c_countSize) / sizeof(FieldInfo))
             return false;
         for (std::uint64_t i = 0; i < count; ++i) {
-            if (!isKnown(swapped(
+            if (!isKnown(SwapBytes(
                     load<std::uint32_t>(c_countSize + i * sizeof(FieldInfo) + offsetof(FieldInfo, type)))))
                 return false;
         }
