@@ -10,7 +10,7 @@
 namespace {
 
 struct Trace {
-    std::recursive_mutex lock; // a sink may put another sink in place
+    std::recursive_mutex lock;  // a sink may put another sink in place
     dbTraceSink sink = nullptr; // null = stderr
     void * context = nullptr;
 

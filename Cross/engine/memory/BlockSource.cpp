@@ -86,8 +86,8 @@ public:
     }
 
 private:
-    static constexpr std::size_t c_firstBuffer = 2 * 1024;
-    static constexpr std::size_t c_largestBuffer = 64 * 1024;
+    static constexpr std::size_t c_firstBuffer = 2048;
+    static constexpr std::size_t c_largestBuffer = 65536;
     static constexpr std::size_t c_largestShared = c_firstBuffer / 2;
 
     ListedSource buffers;

@@ -2,10 +2,6 @@
 
 namespace Plat {
 
-RecursiveMutex::RecursiveMutex() = default;
-
-RecursiveMutex::~RecursiveMutex() = default;
-
 void RecursiveMutex::Enter() { mutex.lock(); }
 
 void RecursiveMutex::Leave() { mutex.unlock(); }

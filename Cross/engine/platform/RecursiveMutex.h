@@ -11,10 +11,10 @@ namespace Plat {
 
 class CROSS_ENGINE_API RecursiveMutex {
 public:
-    RecursiveMutex();
+    RecursiveMutex() = default;
     RecursiveMutex(RecursiveMutex const &) = delete;
     RecursiveMutex & operator=(RecursiveMutex const &) = delete;
-    ~RecursiveMutex();
+    ~RecursiveMutex() = default;
 
     void Enter();
     void Leave();

@@ -58,18 +58,6 @@ TEST(CrashFiles, HandlesRiseAndAreNeverUsedAgain) {
     EXPECT_TRUE(crashFiles().empty());
 }
 
-TEST(CrashFiles, ThreadsShareTheList) {
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([] {
-            for (int file = 0; file < 200; ++file)
-                dbCrashRemoveCrashFile(dbCrashAddCrashFile("log/x.txt", false));
-        });
-    for (std::thread & thread : threads)
-        thread.join();
-    EXPECT_TRUE(crashFiles().empty());
-}
-
 TEST(FatalDeathTest, TellsPlaceTextAndFilesAndAborts) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     auto const aborted = testing::KilledBySignal(SIGABRT);

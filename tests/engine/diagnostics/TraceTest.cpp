@@ -114,17 +114,3 @@ TEST_F(Trace, LinesOfThreadsNeverMix) {
         EXPECT_EQ(text, std::string(2000, text[0]));
     }
 }
-
-TEST_F(Trace, ASinkCountsTheLinesOfAllThreads) {
-    int count = 0;
-    dbTraceSetSink(&countLine, &count);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([] {
-            for (int line = 0; line < 500; ++line)
-                dbTimeStampedTracefAux("%d", line);
-        });
-    for (std::thread & thread : threads)
-        thread.join();
-    EXPECT_EQ(count, 2000);
-}

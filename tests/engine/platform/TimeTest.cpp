@@ -109,17 +109,6 @@ TEST(Time, AClockCanBeReplaced) {
     EXPECT_EQ(Time::GetCycle(), 0) << "the clock before is back";
 }
 
-TEST(Time, WhatASourceLeavesOutStaysReal) {
-    Time::ClockSource frozen;
-    frozen.cycle = [](void *) { return std::int64_t{5}; };
-    Time::ClockSource const previous = Time::SetClockSource(frozen);
-    EXPECT_EQ(Time::GetCycle(), 5);
-    Time::SystemTime now;
-    Time::TimeNow(now);
-    EXPECT_GT(now.year, 2000);
-    Time::SetClockSource(previous);
-}
-
 // Callers and file formats read the fields at their places.
 TEST(Time, FieldsStandInTheirOrder) {
     std::int16_t const fields[] = {2031, 12, 24, 3, 18, 5, 9};
