@@ -1,7 +1,7 @@
 #pragma once
 
 // The assets of the sample game: each is a script in data/attributes/KIND/NAME.lua, built into
-// BUILT:KIND/NAME.attr.
+// GENERIC:KIND/NAME.attr.
 
 #include <string>
 #include <vector>
@@ -12,7 +12,7 @@ struct Asset {
 
     std::string ScriptPath() const { return "DATA:attributes/" + kind + "/" + name + ".lua"; }
 
-    std::string TablePath() const { return "BUILT:" + kind + "/" + name + ".attr"; }
+    std::string TablePath() const { return "GENERIC:" + kind + "/" + name + ".attr"; }
 };
 
 // All assets below the data folder, sorted by kind and name.

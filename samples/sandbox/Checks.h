@@ -1,13 +1,20 @@
 #pragma once
 
 // One check per subsystem. Each uses its subsystem as a game would and reports one line of evidence. They run
-// in this order: later ones read the files that earlier ones built.
+// in this order on a started game; later ones build on what earlier ones proved.
 
 #include "samples/sandbox/Assets.h"
+#include "samples/sandbox/Game.h"
 #include "samples/sandbox/Report.h"
+#include "samples/sandbox/StartUp.h"
 
 void CheckFiles(Report & report);
+void CheckStart(Report & report, StartUp const & start, bool failedOnce);
 void CheckTables(Report & report, std::vector<Asset> const & assets);
 void CheckReaders(Report & report, std::vector<Asset> const & assets);
 void CheckKeys(Report & report, std::vector<Asset> const & assets);
 void CheckLogs(Report & report, std::vector<Asset> const & assets);
+void CheckInventory(Report & report, Game & game);
+void CheckReload(Report & report, Game & game);
+void CheckScripts(Report & report);
+void CheckNothingLeft(Report & report, Game & game);

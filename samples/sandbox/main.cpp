@@ -4,8 +4,11 @@
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/platform/Options.h"
 #include "samples/sandbox/Checks.h"
+#include "samples/sandbox/Console.h"
 
 #include <CLI/CLI.hpp>
+
+#include <cstdio>
 
 namespace {
 
@@ -13,10 +16,16 @@ struct Settings {
     std::string data = SANDBOX_DATA;
     std::string work = SANDBOX_WORK;
     bool headless = false;
+    bool fail = false;
+    bool console = false;
 };
 
 void addOptions(CLI::App & app, Settings & settings) {
     app.add_flag("--headless", settings.headless, "Open no window (there is none yet)");
+    app.add_flag("--fail", settings.fail,
+                 "Make one start step fail once, to see the start undone and repeated");
+    app.add_flag("--console", settings.console,
+                 "Run lines from standard input in the global script state at the end");
     app.add_option("--data", settings.data, "Folder of the game's scripts")->check(CLI::ExistingDirectory);
     app.add_option("--work", settings.work, "Folder for built tables and logs; made when missing");
     app.footer("Other options, such as -name=12, are the engine's.");
@@ -25,9 +34,23 @@ void addOptions(CLI::App & app, Settings & settings) {
 
 bool mapAliases(Settings const & settings) {
     return FilePath::SetAlias("DATA", settings.data.c_str()) &&
-           FilePath::SetAlias("BUILT", (settings.work + "/built").c_str()) &&
+           FilePath::SetAlias("GENERIC", (settings.work + "/generic").c_str()) &&
            FilePath::SetAlias("SCRATCH", (settings.work + "/scratch").c_str()) &&
            FilePath::SetAlias("log", (settings.work + "/logs").c_str());
+}
+
+void runChecks(Report & report, Game & game, StartUp const & start, bool failedOnce) {
+    CheckFiles(report);
+    CheckStart(report, start, failedOnce);
+    CheckTables(report, game.assets);
+    CheckReaders(report, game.assets);
+    CheckKeys(report, game.assets);
+    CheckLogs(report, game.assets);
+    CheckInventory(report, game);
+    CheckReload(report, game);
+    CheckScripts(report);
+    CheckNothingLeft(report, game);
+    report.End();
 }
 
 } // namespace
@@ -40,18 +63,23 @@ int main(int argc, char ** argv) {
     Plat::Options::SetCommandLine(argc, argv);
 
     Report report;
+    Game game;
     report.Begin("setup");
     report.Expect(mapAliases(settings), "four aliases are mapped");
-    std::vector<Asset> const assets = FindAssets(settings.data);
-    report.Expect(assets.size() >= 30, "at least 30 attribute scripts");
-    report.Evidence("DATA, BUILT, SCRATCH and log are mapped");
-    report.Evidence(std::to_string(assets.size()) + " attribute scripts found");
-
-    CheckFiles(report);
-    CheckTables(report, assets);
-    CheckReaders(report, assets);
-    CheckKeys(report, assets);
-    CheckLogs(report, assets);
+    game.assets = FindAssets(settings.data);
+    report.Expect(game.assets.size() >= 30, "at least 30 attribute scripts");
+    report.Evidence("DATA, GENERIC, SCRATCH and log are mapped");
+    report.Evidence(std::to_string(game.assets.size()) + " attribute scripts found");
     report.End();
+
+    StartUp start(game, settings.fail);
+    if (!start.Load()) {
+        std::fprintf(stderr, "the game does not start: %s\n", start.GetEvents().c_str());
+        return 1;
+    }
+    runChecks(report, game, start, settings.fail);
+    if (settings.console)
+        RunConsole();
+    start.Unload();
     return report.GetFailures();
 }

@@ -1,0 +1,21 @@
+#pragma once
+
+// What the sample game holds while it runs.
+
+#include "samples/inventory/Inventory.h"
+#include "samples/sandbox/Assets.h"
+#include "samples/sandbox/GameAssets.h"
+
+#include <string>
+#include <vector>
+
+struct Game {
+    Game() : weapons(journal), units(journal, weapons) {}
+
+    std::vector<Asset> assets; // all that the data folder holds
+    LoadJournal journal;
+    WeaponKind weapons;
+    UnitKind units;
+    std::vector<inventory::Handle<Unit>> army; // one unit of each sort, held while the game runs
+    std::string pumpCounts;                    // what the batch pump gave, call by call
+};
