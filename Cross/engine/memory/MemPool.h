@@ -29,8 +29,8 @@ CROSS_ENGINE_API _HMEMPOOL * MemPoolCreate(char const * name, MEMPOOLTYPE type, 
 // std::bad_alloc, and the pool is as before.
 CROSS_ENGINE_API void * MemPoolAlloc(_HMEMPOOL * pool, unsigned int size);
 
-// Gives back a block of this pool. A null block is ignored; one of another pool, or one that went back before,
-// is fatal where it can be told: one line on stderr and abort().
+// Gives back a block of this pool. A null block is ignored; one of another pool, or one that went back
+// before, is fatal where it can be told: one line on stderr and abort().
 CROSS_ENGINE_API void MemPoolFree(_HMEMPOOL * pool, void * block);
 
 // Gives back all blocks of the pool at once; every pointer into it is then invalid. On the default pool this
