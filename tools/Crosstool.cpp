@@ -40,6 +40,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     app.require_subcommand(1);
     Job job;
     AddTableVerbs(app, job);
+    AddScriptVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {

@@ -31,6 +31,7 @@ using Job = std::function<ExitCode(Output const & output)>;
 
 // Each adds the verbs of a format, which set `job`; both must outlive the parsing.
 void AddTableVerbs(CLI::App & app, Job & job);
+void AddScriptVerbs(CLI::App & app, Job & job);
 
 // Runs one command line and gives the exit code. Nothing is thrown. While it runs, the trace of the process
 // is its own: the lines follow behind the verdict on `err`.

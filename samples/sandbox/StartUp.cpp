@@ -170,6 +170,7 @@ bool StartUp::loadOnce() {
         InitList::LoadResult const result = manager.Load();
         if (result == InitList::Failed) {
             manager.Unload();
+            std::printf("%sfailed and undone:%s\n", isTerminal ? "\n" : "", events.c_str() + told);
             return false;
         }
         float const progress = manager.LoadProgress();
