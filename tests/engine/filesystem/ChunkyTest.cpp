@@ -1,6 +1,8 @@
 #include "Cross/engine/filesystem/Chunky.h"
+#include "Cross/engine/filesystem/FilePathHDRaw.h"
 #include "tests/support/FailingStream.h"
 #include "tests/support/StreamBytes.h"
+#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
@@ -316,6 +318,10 @@ TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
             EXPECT_EQ(reason == "no exception", fits) << field.name << " " << value << ": " << reason;
             EXPECT_EQ(chunky.GetStreamPos(), field.header);
             EXPECT_EQ(stream->GetPos(), field.header);
+            auto const enter = [&] {
+                field.depth > 0 ? chunky.ReadDataChunk(c_item, 2) : chunky.ReadFolderChunk(c_menu, 1);
+            };
+            EXPECT_EQ(reasonOf(enter), reason); // which looks at the name no further than to skip it
             EXPECT_LE(info.bodyOffset + info.bodySize, 69u);
         }
     }
@@ -465,6 +471,26 @@ TEST(Chunky, TakesAProxysStreamOver) {
     EXPECT_EQ(memory->GetLen(), 36u);
     EXPECT_THROW(Chunky(proxy, 1), std::exception);
     EXPECT_THROW(Chunky(static_cast<ByteStream *>(nullptr), 0), std::exception);
+}
+
+TEST(Chunky, AHalfWrittenFileDoesNotReplaceTheOldOne) {
+    TemporaryFolder folder;
+    std::string const path = folder / "menu";
+    {
+        ByteStreamProxy file(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamWrite, false));
+        writeExample(*file, 1);
+    }
+    EXPECT_EQ(folder.ReadFile("menu"), exampleBytes());
+    {
+        ByteStreamProxy file(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamWrite, false));
+        Chunky chunky(file, 1);
+        chunky.WriteDataChunk(c_item, 1, -1);
+    }
+    EXPECT_EQ(folder.ReadFile("menu"), exampleBytes());
+    EXPECT_EQ(folder.CountEntries(), 1u);
+
+    ByteStreamProxy file(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamRead, false));
+    readExample(*file, 0);
 }
 
 } // namespace
