@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <new>
 #include <utility>
 
@@ -19,6 +20,9 @@ namespace {
 // Above this, neighbouring whole numbers are one number.
 constexpr std::uint64_t c_maxIndex = std::uint64_t{1} << 53;
 constexpr std::size_t c_maxIndexDigits = 16;
+
+// Half of them are used at most, so that a probe is short.
+constexpr std::size_t c_nameSlots = 1024;
 
 // What a protected call runs: a work of any type, through the function that knows it.
 struct Task {
@@ -106,21 +110,11 @@ void pushKeyToSet(lua_State * L, int table, std::string_view name) {
         lua_pop(L, 1);
 }
 
-// Spreads names that differ at their ends or in the middle, and costs the same for all of them.
-std::size_t hashOf(std::string_view name) {
-    std::size_t hash = name.size();
-    if (name.empty())
-        return hash;
-    std::size_t const last = name.size() - 1;
-    for (std::size_t const at : {std::size_t{0}, last / 2, last - (last > 0), last})
-        hash = hash * 31 + static_cast<unsigned char>(name[at]);
-    return hash;
-}
-
 } // namespace
 
 LuaConfig::Data::Data(char const * name, bool isScriptState)
-    : name(name ? name : ""), L(luaL_newstate()), isScriptState(isScriptState) {
+    : name(name ? name : ""), isScriptState(isScriptState), names(c_nameSlots) {
+    L = luaL_newstate();
     if (!L)
         throw std::bad_alloc();
     if (lua_cpcall(L, open, this) != 0) {
@@ -151,29 +145,44 @@ int LuaConfig::Data::open(lua_State * L) {
     data.standIns = luaL_ref(L, LUA_REGISTRYINDEX);
 
     lua_newtable(L);
-    lua_pushnil(L);
-    while (lua_next(L, LUA_GLOBALSINDEX) != 0) {
-        lua_pushvalue(L, -2);
-        lua_insert(L, -2);
-        lua_rawset(L, -4);
-    }
     data.builtins = luaL_ref(L, LUA_REGISTRYINDEX);
     return 0;
+}
+
+void LuaConfig::Data::TakeGlobalsForBuiltins() {
+    callProtected(0, [this](lua_State * inner) {
+        lua_rawgeti(inner, LUA_REGISTRYINDEX, builtins);
+        lua_pushnil(inner);
+        while (lua_next(inner, LUA_GLOBALSINDEX) != 0) {
+            lua_pushvalue(inner, -2);
+            lua_insert(inner, -2);
+            lua_rawset(inner, 2);
+        }
+        return 0;
+    });
 }
 
 template <class Work>
 bool LuaConfig::Data::callProtected(int results, Work work) {
     Task task{[](void * context, lua_State * inner) { return (*static_cast<Work *>(context))(inner); },
               &work};
+    int status = runProtected(&task, results);
+    if (status == LUA_ERRRUN) // the error of a finalizer that happened to be due
+        status = runProtected(&task, results);
+    return status == 0;
+}
+
+int LuaConfig::Data::runProtected(void * task, int results) {
     int const table = CurrentTable();
     lua_rawgeti(L, LUA_REGISTRYINDEX, protectedCall);
     lua_pushvalue(L, table);
-    lua_pushlightuserdata(L, &task);
-    if (lua_pcall(L, 2, results, 0) == 0)
-        return true;
-    dbTimeStampedTracefAux("SCRIPT -- State '%s': %s", name.c_str(), errorText(L).c_str());
-    lua_pop(L, 1);
-    return false;
+    lua_pushlightuserdata(L, task);
+    int const status = lua_pcall(L, 2, results, 0);
+    if (status != 0) {
+        dbTimeStampedTracefAux("SCRIPT -- State '%s': %s", name.c_str(), errorText(L).c_str());
+        lua_pop(L, 1);
+    }
+    return status;
 }
 
 int LuaConfig::Data::CurrentTable() const {
@@ -203,15 +212,22 @@ void LuaConfig::Data::PushField(int table, FieldName const & field) {
 
 // Pushes the Lua string of a name; nil, which is the key of no field, when there is no memory for it.
 void LuaConfig::Data::pushName(std::string_view fieldName) {
-    CachedName & slot = cachedNames[hashOf(fieldName) % cachedNames.size()];
-    if (slot.reference != 0 && slot.text == fieldName)
-        lua_rawgeti(L, LUA_REGISTRYINDEX, slot.reference);
+    std::size_t at = std::hash<std::string_view>()(fieldName) % c_nameSlots;
+    while (names[at].text.data()) {
+        if (names[at].text == fieldName)
+            return lua_rawgeti(L, LUA_REGISTRYINDEX, names[at].reference);
+        at = (at + 1) % c_nameSlots;
+    }
+    if (cacheName(names[at], fieldName))
+        ++nameCount;
     else
-        cacheName(slot, fieldName);
+        lua_pushnil(L);
+    if (nameCount == c_nameSlots / 2)
+        forgetNames();
 }
 
-void LuaConfig::Data::cacheName(CachedName & slot, std::string_view fieldName) {
-    bool const cached = callProtected(1, [&](lua_State * inner) {
+bool LuaConfig::Data::cacheName(CachedName & slot, std::string_view fieldName) {
+    return callProtected(1, [&](lua_State * inner) {
         lua_pushlstring(inner, fieldName.data(), fieldName.size());
         lua_pushvalue(inner, -1);
         if (slot.reference == 0)
@@ -221,8 +237,13 @@ void LuaConfig::Data::cacheName(CachedName & slot, std::string_view fieldName) {
         slot.text = {lua_tostring(inner, -1), fieldName.size()};
         return 1;
     });
-    if (!cached)
-        lua_pushnil(L);
+}
+
+// The references stay with their slots, for the names to come.
+void LuaConfig::Data::forgetNames() {
+    for (CachedName & slot : names)
+        slot.text = {};
+    nameCount = 0;
 }
 
 void LuaConfig::Data::SetNumber(std::string_view fieldName, double value) {

@@ -10,7 +10,7 @@
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/StateLibraries.h"
 
-#include <array>
+#include <cstddef>
 #include <lua.hpp>
 #include <optional>
 #include <string>
@@ -32,6 +32,9 @@ struct LuaConfig::Data {
     Data(Data const &) = delete;
     Data & operator=(Data const &) = delete;
     ~Data();
+
+    // From now on what the globals hold counts as put there by the constructor.
+    void TakeGlobalsForBuiltins();
 
     // Stack index of the current table.
     int CurrentTable() const;
@@ -67,29 +70,32 @@ struct LuaConfig::Data {
     void PushAnchored(void * owner);
     void ReleaseAnchor(void * owner);
 
-    // The globals as the constructor left them, as a reference into the registry.
+    // The table of what the constructor put into the globals, as a reference into the registry.
     int Builtins() const { return builtins; }
 
     std::string const name;
     lua_State * L = nullptr;
 
 private:
-    // A Lua string that is kept alive; the text is Lua's own.
+    // A Lua string that is kept alive.
     struct CachedName {
-        std::string_view text;
-        int reference = 0; // in the registry; 0 is none
+        std::string_view text; // Lua's own; null for a free slot
+        int reference = 0;     // in the registry; 0 is none
     };
 
     static int open(lua_State * L);
 
     // Calls work(L) like a lua_CFunction, with the current table alone on the stack, and pushes `results`
-    // values. On a Lua error it pushes nothing, traces the error and gives false. `work` throws nothing else.
+    // values. On a Lua error it pushes nothing, traces the error and gives false. `work` raises nothing of
+    // its own and can be run again.
     template <class Work>
     bool callProtected(int results, Work work);
+    int runProtected(void * task, int results);
 
     bool isBuiltin(int key, int value);
     void pushName(std::string_view fieldName);
-    void cacheName(CachedName & slot, std::string_view fieldName);
+    bool cacheName(CachedName & slot, std::string_view fieldName);
+    void forgetNames();
 
     bool mayEnter();
     void finishEnter(bool entered);
@@ -106,5 +112,8 @@ private:
     unsigned int refusedPushes = 0;
     bool refusalTraced = false;
     std::optional<std::vector<script::FieldName>> listing;
-    std::array<CachedName, 128> cachedNames;
+
+    // A hash table of names read lately.
+    std::vector<CachedName> names;
+    std::size_t nameCount = 0;
 };

@@ -22,8 +22,10 @@ constexpr char const * c_withheldFromData[] = {
     "coroutine"};                                           // threads that hooks of the state do not reach
 
 void refuseBytecode(lua_State * L, char const * piece, std::size_t size) {
-    if (size > 0 && piece[0] == LUA_SIGNATURE[0])
-        luaL_error(L, "bytecode is refused");
+    if (size == 0 || piece[0] != LUA_SIGNATURE[0])
+        return;
+    lua_pushliteral(L, "bytecode is refused");
+    lua_error(L);
 }
 
 char const * readBuffer(lua_State * L, void * context, std::size_t * size) {

@@ -1,1 +1,376 @@
+#include "Cross/engine/scriptconfig/LuaConfigSave.h"
+
+#include "Cross/engine/filesystem/FilePath.h"
+#include "Cross/engine/filesystem/RamStream.h"
+#include "Cross/engine/scriptconfig/LuaConfig.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceCapture.h"
+
+#include <algorithm>
+#include <cstring>
 #include <gtest/gtest.h>
+#include <lua.hpp>
+#include <string>
+#include <string_view>
+
+namespace {
+
+// A stream over a text: reads it as far as it goes and takes writes up to a limit.
+class TextStream : public ByteStream {
+public:
+    explicit TextStream(std::string content = "", std::size_t limit = std::string::npos)
+        : ByteStream("text"), content(std::move(content)), limit(limit) {}
+
+    bool IsOpen() const override { return true; }
+
+    unsigned int Read(void * buffer, unsigned int size) override {
+        std::size_t const count = std::min<std::size_t>(size, content.size() - position);
+        std::memcpy(buffer, content.data() + position, count);
+        position += count;
+        return static_cast<unsigned int>(count);
+    }
+
+    unsigned int Write(void const * buffer, unsigned int size) override {
+        std::size_t const count = std::min(std::size_t{size}, limit - content.size());
+        content.append(static_cast<char const *>(buffer), count);
+        return static_cast<unsigned int>(count);
+    }
+
+    unsigned int GetLen() override { return static_cast<unsigned int>(content.size()) + missing; }
+
+    StreamMode GetMode() const override { return c_streamRead; }
+
+    bool Flush() override { return !failsToFlush; }
+
+    void SetPos(unsigned int newPosition) override { position = newPosition; }
+
+    unsigned int GetPos() override { return static_cast<unsigned int>(position); }
+
+    using ByteStream::IsDiscarded;
+
+    std::string content;
+    std::size_t limit;
+    std::size_t position = 0;
+    unsigned int missing = 0; // bytes that it promises and does not give
+    bool failsToFlush = false;
+};
+
+bool load(LuaConfig & config, std::string const & source) {
+    TextStream stream(source);
+    return LuaConfigSave::LoadLua(config, stream);
+}
+
+std::string save(LuaConfig & config, bool tables = true, bool plain = true) {
+    TextStream stream;
+    EXPECT_TRUE(LuaConfigSave::SaveLua(config, tables, plain, stream));
+    EXPECT_FALSE(stream.IsDiscarded());
+    return stream.content;
+}
+
+std::string saveSource(std::string const & source) {
+    LuaConfig config("", false);
+    EXPECT_TRUE(load(config, source));
+    return save(config);
+}
+
+TEST(LuaConfigSaveTest, WritesSortedSource) {
+    constexpr char const * source = R"lua(
+local shared = {x = 'ä'}
+t = {z = true, a = 'say "hi"\\\n\0009\127\r', B = {}, ['end'] = 1, ['no name'] = 2, [''] = 3, ['1'] = 'text',
+     [1] = 'number', [2] = false, [-3] = 0.1, [2.5] = 1e300, [1/0] = -1e-7, [true] = 1/0, [false] = -1/0,
+     nan = 0/0, zero = 0, negative = -1/(1/0), large = 2^53 - 1, larger = 2^53, nested = {shared, shared},
+     f = print, [{}] = 1, ['key\0'] = 123456789.125})lua";
+    EXPECT_EQ(saveSource(source), R"lua(t = {
+	[-3] = 0.1,
+	[1] = "number",
+	[2] = false,
+	[2.5] = 1e+300,
+	[1/0] = -1e-07,
+	[""] = 3,
+	["1"] = "text",
+	B = {},
+	a = "say \"hi\"\\\010\0009\127\013",
+	["end"] = 1,
+	["key\000"] = 123456789.125,
+	large = 9007199254740991,
+	larger = 9007199254740992,
+	nan = 0/0,
+	negative = -1/(1/0),
+	nested = {
+		[1] = {
+			x = "ä",
+		},
+		[2] = {
+			x = "ä",
+		},
+	},
+	["no name"] = 2,
+	z = true,
+	zero = 0,
+	[false] = -1/0,
+	[true] = 1/0,
+}
+)lua");
+}
+
+TEST(LuaConfigSaveTest, FlagsSelectTablesAndPlainGlobals) {
+    LuaConfig config("", true);
+    ASSERT_TRUE(load(config,
+                     "b = 1  a = {x = 1}  c = 'text'  f = function() end  _G['odd name'] = true  _G[3] = {}"
+                     "  print = 5  _G._G = 7"));
+    std::string const tables = "_G[3] = {}\na = {\n\tx = 1,\n}\n";
+    EXPECT_EQ(save(config, true, false), tables);
+    EXPECT_EQ(save(config, false, true), "b = 1\nc = \"text\"\n_G[\"odd name\"] = true\nprint = 5\n_G = 7\n");
+    EXPECT_EQ(save(config, false, false), "");
+    EXPECT_EQ(
+        save(config, true, true),
+        "_G[3] = {}\na = {\n\tx = 1,\n}\nb = 1\nc = \"text\"\n_G[\"odd name\"] = true\nprint = 5\n_G = 7\n");
+
+    // Wherever the cursor is, it is the globals that are written, and the cursor stays.
+    config.PushTable("a");
+    EXPECT_EQ(save(config, true, false), tables);
+    EXPECT_EQ(config.CountEntry(), 1u);
+}
+
+// Makes tables of every kind of key and value, from a generator of its own, and compares them to the sign of
+// a zero.
+constexpr char const * c_randomTables = R"lua(
+local seed = 1
+local function random(n) seed = seed * 16807 % 2147483647 return seed % n end
+local function number()
+    if random(2) == 0 then return random(20) - 5 end
+    return math.ldexp(random(2^30) - 2^29, random(2100) - 1100) * (random(2^30) + 1)
+end
+local function text()
+    if random(2) == 0 then return string.char(97 + random(4), 97 + random(26)) end
+    local t = {}
+    for i = 1, random(6) do t[i] = string.char(random(256)) end
+    return table.concat(t)
+end
+local function plain()
+    return ({number, text, function() return random(2) == 0 end})[random(3) + 1]()
+end
+function make(depth)
+    local t = {}
+    for i = 1, random(8) do
+        t[plain()] = depth > 0 and random(3) == 0 and make(depth - 1) or plain()
+    end
+    return t
+end
+function same(a, b)
+    if type(a) ~= 'table' or type(b) ~= 'table' then return a == b and (a ~= 0 or 1 / a == 1 / b) end
+    for k, v in pairs(a) do if not same(v, b[k]) then return false end end
+    for k in pairs(b) do if a[k] == nil then return false end end
+    return true
+end
+)lua";
+
+TEST(LuaConfigSaveTest, RandomTablesComeBackEqual) {
+    LuaConfig config("", false);
+    ASSERT_TRUE(config.RunString(c_randomTables, true));
+    for (int i = 0; i < 300; ++i) {
+        ASSERT_TRUE(config.RunString("old = nil  t = make(5)", true));
+        std::string const source = save(config);
+        ASSERT_TRUE(config.RunString("old = t  t = nil", true));
+        ASSERT_TRUE(load(config, source)) << source;
+        ASSERT_TRUE(config.RunString("assert(same(t, old))  old = nil", true)) << source;
+        ASSERT_EQ(save(config), source);
+    }
+}
+
+TEST(LuaConfigSaveTest, LargeAndDeepTablesLoadAgain) {
+    struct Case {
+        char const * rule;
+        char const * source;
+        char const * check; // of the state read back
+    };
+
+    constexpr Case cases[] = {
+        {"more fields than a function has constants", "t = {} for i = 1, 132000 do t['k' .. i] = i + 0.5 end",
+         "t.k1 == 1.5 and t.k132000 == 132000.5"},
+        {"as many globals", "for i = 1, 132000 do _G['k' .. i] = i + 0.5 end",
+         "k1 == 1.5 and k132000 == 132000.5"},
+        {"as many in many tables, one of them large",
+         "t = {a = {}, b = {}, c = 1} for i = 1, 60000 do t.a['k' .. i] = i end"
+         " for i = 1, 3000 do t.b[i] = {} for j = 1, 30 do t.b[i][j] = i + j / 64 end end",
+         "t.a.k60000 == 60000 and t.b[3000][30] == 3000 + 30 / 64 and t.c == 1"},
+        {"names that a block uses itself",
+         "t = {t = {}, ['end'] = {}} for i = 1, 60000 do t.t[i] = i t['end'][-i] = i end",
+         "#t.t == 60000 and t['end'][-60000] == 60000"},
+        {"the deepest table, and constructor, behind more constants than an instruction reaches",
+         "for i = 1, 300 do _G['a' .. i] = i .. 'x' end"
+         " function make(depth) return depth == 1 and {x = 1} or {['key' .. depth] = make(depth - 1)} end"
+         " t = make(150) u = make(100)",
+         "(function() for depth = 150, 2, -1 do t = t['key' .. depth] end"
+         " for depth = 100, 2, -1 do u = u['key' .. depth] end return t.x == 1 and u.x == 1 end)()"},
+        {"every level large",
+         "t = {} local inner = t for i = 1, 149 do inner.deep = {} inner = inner.deep end"
+         " for i = 1, 60000 do inner[i] = i end",
+         "(function() local inner = t while inner.deep do inner = inner.deep end return #inner == 60000 "
+         "end)()"},
+    };
+    for (Case const & row : cases) {
+        SCOPED_TRACE(row.rule);
+        std::string const source = saveSource(row.source);
+        LuaConfig read("", false);
+        ASSERT_TRUE(load(read, source));
+        EXPECT_TRUE(read.RunString((std::string("assert(") + row.check + ")").c_str(), true));
+    }
+}
+
+TEST(LuaConfigSaveTest, WhatCannotBeWrittenIsDiscarded) {
+    struct Case {
+        char const * source;
+        char const * reason;
+    };
+
+    constexpr Case cases[] = {
+        {"t = {} t.a = {b = t}", "a table contains itself"},
+        {"t = _G", "a table contains itself"},
+        {"t = {} local inner = t for i = 2, 151 do inner[1] = {} inner = inner[1] end",
+         "tables are nested deeper than 150"},
+        {"local inner = {} for i = 2, 100 do inner = {inner} end"
+         " t = {inner} for i = 1, 51 do t = {t} end",
+         "tables are nested deeper than 150"},
+        // 2^60 fields from 60 tables
+        {"t = {} for i = 1, 60 do t = {t, t} end", "there are more fields than a stream can hold"},
+    };
+    for (Case const & row : cases) {
+        SCOPED_TRACE(row.source);
+        LuaConfig config("", false);
+        ASSERT_TRUE(load(config, row.source));
+        TraceCapture trace;
+        TextStream stream;
+        EXPECT_FALSE(LuaConfigSave::SaveLua(config, true, true, stream));
+        EXPECT_TRUE(stream.IsDiscarded());
+        EXPECT_EQ(trace.lines,
+                  std::vector<std::string>{std::string("SCRIPT -- Failed to save 'text': ") + row.reason});
+        config.RunString("t = 1", true);
+        EXPECT_EQ(save(config), "t = 1\n") << "the state is as good as before";
+    }
+}
+
+TEST(LuaConfigSaveTest, FailingStreamIsDiscarded) {
+    LuaConfig config("", false);
+    load(config, "for i = 1, 20000 do _G['name' .. i] = i end");
+    std::size_t const size = save(config).size();
+
+    struct Case {
+        std::size_t limit;
+        bool failsToFlush;
+    };
+
+    for (Case const & row : {Case{0, false}, Case{100000, false}, Case{size - 1, false}, Case{size, true}}) {
+        TraceCapture trace;
+        TextStream stream("", row.limit);
+        stream.failsToFlush = row.failsToFlush;
+        EXPECT_FALSE(LuaConfigSave::SaveLua(config, true, true, stream));
+        EXPECT_TRUE(stream.IsDiscarded());
+        EXPECT_EQ(trace.lines.size(), 1u);
+    }
+    TextStream stream("", size);
+    EXPECT_TRUE(LuaConfigSave::SaveLua(config, true, true, stream));
+}
+
+TEST(LuaConfigSaveTest, LoadsTextOnly) {
+    struct Case {
+        std::string_view source;
+        bool loads;
+    };
+
+    using namespace std::string_view_literals;
+    constexpr Case cases[] = {
+        {"x = 1"sv, true},
+        {""sv, true},
+        {"\xEF\xBB\xBFx = 1"sv, true},
+        {"#!first line\nx = 1"sv, true},
+        {"#"sv, true},
+        // bytecode, behind what is skipped too
+        {"\x1BLuaQ"sv, false},
+        {"\xEF\xBB\xBF\x1BLuaQ"sv, false},
+        {"\x1B"sv, false},
+        // errors
+        {"x = "sv, false},
+        {"x = 1 error('run')"sv, false},
+        {"\xEF\xBB\xBF\xEF\xBB\xBFx = 1"sv, false},
+        {"x = \0"sv, false},
+    };
+    for (Case const & row : cases) {
+        SCOPED_TRACE(testing::PrintToString(row.source));
+        TraceCapture trace;
+        LuaConfig config("", false);
+        config.PushTable("cursor");
+        EXPECT_EQ(load(config, std::string(row.source)), row.loads);
+        EXPECT_EQ(trace.lines.size(), row.loads ? 0u : 1u);
+        EXPECT_EQ(lua_gettop(config.GetState()), 2);
+    }
+}
+
+TEST(LuaConfigSaveTest, EveryCutOfAFileLoadsOrFailsCleanly) {
+    std::string const source =
+        saveSource("t = {1, 2, {x = 'a\\nb', ['end'] = -1.5e300}, [true] = false} u = {} v = 'text' w = 1/0");
+    TraceCapture trace;
+    for (std::size_t length = 0; length <= source.size(); ++length) {
+        LuaConfig config("", false);
+        load(config, source.substr(0, length));
+        ASSERT_EQ(lua_gettop(config.GetState()), 1);
+        std::string const whole = save(config);
+        ASSERT_EQ(saveSource(whole), whole);
+    }
+}
+
+TEST(LuaConfigSaveTest, RestOfAStreamIsRunWhollyOrNotAtAll) {
+    TraceCapture trace;
+    LuaConfig config("", false);
+    TextStream stream("rubbish x = 5");
+    stream.SetPos(8);
+    EXPECT_TRUE(LuaConfigSave::LoadLua(config, stream));
+    EXPECT_TRUE(LuaConfigSave::LoadLua(config, stream)) << "nothing is left";
+    EXPECT_EQ(config.GetType("x"), LuaConfig::LT_NUMBER);
+
+    TextStream damaged("y = 5\n");
+    damaged.missing = 10;
+    EXPECT_FALSE(LuaConfigSave::LoadLua(config, damaged));
+    EXPECT_EQ(config.GetType("y"), LuaConfig::LT_NONE);
+    EXPECT_EQ(trace.lines,
+              std::vector<std::string>{"SCRIPT -- Failed to load 'text': cannot read all of it"});
+}
+
+TEST(LuaConfigSaveTest, FilesLoadAndSaveByPath) {
+    TemporaryFolder const folder;
+    std::string const file = folder / "settings.lua";
+    LuaConfig config("", false);
+    LuaConfigSave::FilePathOnImport(config);
+    config.SetNumber("x", 3);
+    {
+        ByteStreamProxy const stream = FilePath::OpenStream(file.c_str(), c_streamWrite);
+        ASSERT_TRUE(stream);
+        EXPECT_TRUE(LuaConfigSave::SaveLua(config, true, true, *stream));
+    }
+    EXPECT_EQ(folder.ReadFile("settings.lua"), "x = 3\n");
+
+    config.RunString("bad = {} bad[1] = bad", true);
+    TraceCapture trace;
+    {
+        ByteStreamProxy const stream = FilePath::OpenStream(file.c_str(), c_streamWrite);
+        ASSERT_TRUE(stream);
+        EXPECT_FALSE(LuaConfigSave::SaveLua(config, true, true, *stream));
+    }
+    EXPECT_EQ(folder.ReadFile("settings.lua"), "x = 3\n") << "a failed save keeps the old file";
+    EXPECT_EQ(folder.CountEntries(), 1u);
+
+    LuaConfig read("", false);
+    EXPECT_TRUE(LuaConfigSave::LoadLua(read, file.c_str()));
+    EXPECT_EQ(save(read), "x = 3\n");
+
+    trace.lines.clear();
+    folder.WriteFile("wrong.lua", "x = 1\nx = = 2");
+    EXPECT_FALSE(LuaConfigSave::LoadLua(read, (folder / "none.lua").c_str()));
+    EXPECT_FALSE(LuaConfigSave::LoadLua(read, (folder / "wrong.lua").c_str()));
+    EXPECT_FALSE(LuaConfigSave::LoadLua(read, static_cast<char const *>(nullptr)));
+    ASSERT_EQ(trace.lines.size(), 3u);
+    EXPECT_EQ(trace.lines[0], "SCRIPT -- Failed to load '" + folder / "none.lua" + "': cannot open the file");
+    EXPECT_NE(trace.lines[1].find("wrong.lua:2:"), std::string::npos) << trace.lines[1];
+}
+
+} // namespace

@@ -1,1 +1,539 @@
+#include "Cross/engine/scriptconfig/LuaConfig.h"
+
+#include "Cross/engine/scriptconfig/GlobalLua.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceCapture.h"
+
+#include <cstdlib>
 #include <gtest/gtest.h>
+#include <limits>
+#include <lua.hpp>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Names = std::vector<std::string>;
+
+Names walk(LuaConfig & config) {
+    Names names;
+    for (auto field = config.IterateBegin(); field != config.IterateEnd(); ++field)
+        names.push_back(field.GetName());
+    return names;
+}
+
+double number(LuaConfig & config, char const * name) {
+    double value = -1;
+    config.GetNumber(name, value);
+    return value;
+}
+
+bool holds(LuaConfig & config, std::string const & condition) {
+    return config.RunString(("assert(" + condition + ")").c_str(), true);
+}
+
+TEST(LuaConfigTest, WalksWholeKeysThenTextsInByteOrder) {
+    LuaConfig config("", false);
+    ASSERT_TRUE(
+        config.RunString("t = {b = 1, a = 1, B = 1, ['\\195\\164'] = 1, [''] = 1, [10] = 1, [2] = 1, [0] = "
+                         "1, ['7'] = 1, f = print,"
+                         " [2^53] = 1,"
+                         // no name reaches these
+                         " [-1] = 1, [1.5] = 1, [true] = 1, ['nul\\0'] = 1, [2^60] = 1, [1/0] = 1, [{}] = 1}",
+                         true));
+    config.PushTable("t");
+    Names const expected = {"0", "2", "10", "9007199254740992", "", "7", "B", "a", "b", "f", "\xC3\xA4"};
+    EXPECT_EQ(walk(config), expected);
+
+    Names entries;
+    char name[256];
+    for (unsigned int i = 0; config.AtEntry(i, name, sizeof(name)); ++i)
+        entries.push_back(name);
+    EXPECT_EQ(entries, expected);
+    EXPECT_EQ(config.CountEntry(), expected.size());
+    EXPECT_FALSE(config.AtEntry(0, name, 0));
+    ASSERT_TRUE(config.AtEntry(3, name, 5)) << "a long name is cut";
+    EXPECT_STREQ(name, "9007");
+}
+
+TEST(LuaConfigTest, WalkIsASnapshotThatOutlivesItsFields) {
+    LuaConfig config("", false);
+    config.RunString("t = {1, 'two', {}, x = true}", true);
+    config.PushTable("t");
+    auto field = config.IterateBegin();
+    config.PopTable();
+    ++field;
+    auto const second = field;
+    ++field;
+    ASSERT_STREQ(field.GetName(), "3");
+    EXPECT_EQ(field.GetType(), LuaConfig::LT_TABLE);
+
+    config.RunString("t[2] = nil  t = nil", true);
+    lua_gc(config.GetState(), LUA_GCCOLLECT, 0);
+    EXPECT_STREQ(second.GetName(), "2");
+    EXPECT_EQ(second.GetType(), LuaConfig::LT_NONE);
+    EXPECT_EQ((++field).GetType(), LuaConfig::LT_BOOLEAN);
+    ++field;
+    EXPECT_FALSE(field != config.IterateEnd());
+    EXPECT_STREQ((++field).GetName(), "");
+}
+
+TEST(LuaConfigTest, CountFollowsEveryChange) {
+    LuaConfig config("", false);
+    EXPECT_EQ(config.CountEntry(), 0u);
+    config.SetNumber("a", 1);
+    EXPECT_EQ(config.CountEntry(), 1u);
+    config.SetString("b", "text");
+    EXPECT_EQ(config.CountEntry(), 2u);
+    config.ClearVariable("b");
+    EXPECT_EQ(config.CountEntry(), 1u);
+    config.RunString("c = {1, 2, 3}", true);
+    EXPECT_EQ(config.CountEntry(), 2u);
+    config.PushTable("c");
+    EXPECT_EQ(config.CountEntry(), 3u);
+    config.PopTable();
+    EXPECT_EQ(config.CountEntry(), 2u);
+    lua_pushboolean(config.GetState(), 1);
+    lua_setglobal(config.GetState(), "d");
+    EXPECT_EQ(config.CountEntry(), 3u);
+}
+
+// `key` is the one that the name reaches, as Lua source.
+void expectKey(char const * name, std::string const & key) {
+    SCOPED_TRACE(name);
+    LuaConfig config("", false);
+    config.PushTable("t");
+    config.SetNumber(name, 5);
+    EXPECT_TRUE(holds(config, "t[" + key + "] == 5"));
+    EXPECT_EQ(walk(config), Names{name});
+    EXPECT_EQ(number(config, name), 5);
+    config.ClearVariable(name);
+    EXPECT_TRUE(holds(config, "next(t) == nil"));
+    config.PushTable(name);
+    EXPECT_TRUE(holds(config, "type(t[" + key + "]) == 'table'"));
+}
+
+TEST(LuaConfigTest, CanonicalDigitsReachTheNumberKey) {
+    for (char const * name : {"0", "7", "10", "9007199254740992"})
+        expectKey(name, name);
+    for (char const * name : {"9007199254740993", "99999999999999999999", "007", "00", "+7", "-7", "7.0",
+                              " 7", "7a", "1e3", "0x7", ""})
+        expectKey(name, "'" + std::string(name) + "'");
+}
+
+TEST(LuaConfigTest, SetGoesToTheKeyThatExists) {
+    LuaConfig config("", false);
+    config.RunString("t = {['7'] = 1, [8] = 1, ['8'] = 1}", true);
+    config.PushTable("t");
+    config.SetNumber("7", 2);
+    config.SetString("8", "x");
+    EXPECT_TRUE(holds(config, "t['7'] == 2 and t[7] == nil and t[8] == 'x' and t['8'] == 1"));
+    config.PushTable(7u);
+    EXPECT_TRUE(holds(config, "type(t[7]) == 'table' and t['7'] == 2")) << "an index is always the number";
+}
+
+TEST(LuaConfigTest, EnteringCreatesWhatIsMissingAndSparesWhatIsThere) {
+    LuaConfig config("", false);
+    config.PushTable("a");
+    config.PushTable(3u);
+    EXPECT_TRUE(holds(config, "next(a[3]) == nil")) << "created at once";
+    config.PushTableGlobals();
+    config.SetNumber("plain", 5);
+    config.PopTable();
+    config.SetNumber("x", 1);
+    config.PopTable();
+    config.PopTable();
+    EXPECT_TRUE(holds(config, "a[3].x == 1 and plain == 5"));
+
+    auto const enter = [&config] {
+        config.PushTable("plain");
+        config.PushTable("deep");
+        config.PushTable(1u);
+    };
+    enter();
+    EXPECT_EQ(config.CountEntry(), 0u);
+    EXPECT_EQ(config.GetType("x"), LuaConfig::LT_NONE);
+    config.ClearVariable("x");
+    for (int i = 0; i < 3; ++i)
+        config.PopTable();
+    EXPECT_TRUE(holds(config, "plain == 5")) << "reads and clears destroy nothing";
+
+    enter();
+    config.SetNumber("x", 7);
+    EXPECT_TRUE(holds(config, "plain.deep[1].x == 7"));
+    config.PopTable();
+    config.PopTable();
+    config.SetString("y", "z");
+    EXPECT_TRUE(holds(config, "plain.deep[1].x == 7 and plain.y == 'z'"));
+}
+
+TEST(LuaConfigTest, CursorIsTheLuaStack) {
+    LuaConfig config("", false);
+    config.RunString("t = {x = 1}  x = 2", true);
+    lua_State * const L = config.GetState();
+    config.PopTable();
+    EXPECT_EQ(lua_gettop(L), 1) << "the globals stay at the bottom";
+
+    lua_getglobal(L, "t");
+    EXPECT_EQ(number(config, "x"), 1);
+    lua_pushnumber(L, 9);
+    EXPECT_EQ(number(config, "x"), 2) << "no table on top: the globals";
+    lua_pushvalue(L, LUA_GLOBALSINDEX);
+    config.ClearVariable("x");
+    lua_settop(L, 1);
+    EXPECT_EQ(config.GetType("x"), LuaConfig::LT_NONE);
+
+    config.PushTable("t");
+    EXPECT_TRUE(config.RunString("return 1, 2, 3", true));
+    EXPECT_FALSE(config.RunString("error({})", false));
+    EXPECT_FALSE(config.RunString("no sense", false));
+    EXPECT_EQ(number(config, "x"), 1);
+    EXPECT_EQ(lua_gettop(L), 2);
+}
+
+int useCursor(lua_State * L) {
+    auto & config = *static_cast<LuaConfig *>(lua_touserdata(L, lua_upvalueindex(1)));
+    int const height = lua_gettop(L);
+    config.PushTable("inside");
+    config.SetNumber("x", 1);
+    config.PopTable();
+    lua_pushboolean(L, lua_gettop(L) == height);
+    return 1;
+}
+
+TEST(LuaConfigTest, RefusedPushesTakeTheirPops) {
+    TraceCapture trace;
+    LuaConfig config("deep", false);
+    lua_State * const L = config.GetState();
+    config.RunString("t = {}  t.t = t", true); // endless
+    constexpr int pushes = 9000;
+    for (int i = 0; i < pushes; ++i)
+        config.PushTable("t");
+    int const deepest = lua_gettop(L);
+    EXPECT_GT(deepest, 7900);
+    EXPECT_LT(deepest, 8001);
+    EXPECT_EQ(trace.lines, Names{"SCRIPT -- State 'deep': no room to enter another table"});
+
+    // There is still room to work, for scripts, and for functions that scripts call.
+    config.SetNumber("x", 4);
+    EXPECT_EQ(number(config, "x"), 4);
+    EXPECT_EQ(walk(config), (Names{"t", "x"}));
+    lua_pushlightuserdata(L, &config);
+    lua_pushcclosure(L, useCursor, 1);
+    lua_setglobal(L, "use");
+    EXPECT_TRUE(holds(config, "t.x == 4 and use() and use(1, 'two') and use({}) and inside.x == 1"));
+
+    for (int i = deepest; i <= pushes; ++i)
+        config.PopTable();
+    EXPECT_EQ(lua_gettop(L), deepest);
+    for (int i = 0; i < deepest - 1; ++i)
+        config.PopTable();
+    EXPECT_EQ(lua_gettop(L), 1);
+    config.PushTableGlobals();
+    EXPECT_EQ(lua_gettop(L), 2) << "nothing is owed any more";
+    EXPECT_EQ(trace.lines.size(), 1u);
+}
+
+TEST(LuaConfigTest, GettersAreStrict) {
+    LuaConfig config("", false);
+    config.RunString("n = 2.5  s = '12'  b = false  t = {}  f = function() end", true);
+
+    struct Case {
+        char const * name;
+        LuaConfig::LuaType type;
+    };
+
+    constexpr Case cases[] = {{"n", LuaConfig::LT_NUMBER},  {"s", LuaConfig::LT_STRING},
+                              {"b", LuaConfig::LT_BOOLEAN}, {"t", LuaConfig::LT_TABLE},
+                              {"f", LuaConfig::LT_NONE},    {"missing", LuaConfig::LT_NONE},
+                              {nullptr, LuaConfig::LT_NONE}};
+    for (Case const & row : cases) {
+        SCOPED_TRACE(row.name ? row.name : "null");
+        double n = 9;
+        bool b = true;
+        std::string s = "kept";
+        char buffer[8] = "kept";
+        EXPECT_EQ(config.GetType(row.name), row.type);
+        EXPECT_EQ(config.GetNumber(row.name, n), row.type == LuaConfig::LT_NUMBER);
+        EXPECT_EQ(n, row.type == LuaConfig::LT_NUMBER ? 2.5 : 9);
+        EXPECT_EQ(LCGetBool(config, row.name, b), row.type == LuaConfig::LT_BOOLEAN);
+        EXPECT_EQ(b, row.type != LuaConfig::LT_BOOLEAN);
+        EXPECT_EQ(LCGetString(config, row.name, s), row.type == LuaConfig::LT_STRING);
+        EXPECT_EQ(s, row.type == LuaConfig::LT_STRING ? "12" : "kept");
+        EXPECT_EQ(config.GetString(row.name, buffer, 2), row.type == LuaConfig::LT_STRING);
+        EXPECT_STREQ(buffer, row.type == LuaConfig::LT_STRING ? "1" : "kept");
+    }
+    char buffer[2] = "k";
+    EXPECT_TRUE(config.GetString("s", buffer, 0));
+    EXPECT_STREQ(buffer, "k");
+    std::string s;
+    config.RunString("s = 'a\\0b'", true);
+    EXPECT_TRUE(config.GetString("s", s));
+    EXPECT_EQ(s, std::string("a\0b", 3));
+}
+
+TEST(LuaConfigTest, UnsignedNumbersFitOrFail) {
+    struct Case {
+        char const * source;
+        bool fits;
+        std::uint32_t value;
+    };
+
+    constexpr Case cases[] = {{"0", true, 0},      {"4294967295", true, 4294967295u},
+                              {"3.99", true, 3},   {"4294967295.5", true, 4294967295u},
+                              {"-0.99", true, 0},  {"4294967296", false, 0},
+                              {"-1", false, 0},    {"1/0", false, 0},
+                              {"-1/0", false, 0},  {"0/0", false, 0},
+                              {"1e300", false, 0}, {"'5'", false, 0},
+                              {"true", false, 0},  {"nil", false, 0}};
+    for (Case const & row : cases) {
+        SCOPED_TRACE(row.source);
+        LuaConfig config("", false);
+        ASSERT_TRUE(config.RunString((std::string("v = ") + row.source).c_str(), true));
+        std::uint32_t value = 77;
+        EXPECT_EQ(LCGetULong(config, "v", value), row.fits);
+        EXPECT_EQ(value, row.fits ? row.value : 77u);
+    }
+    LuaConfig config("", false);
+    LCSetULong(config, "u", 4294967295u);
+    LCSetFloat(config, "f", 0.1f);
+    float value = 0;
+    EXPECT_TRUE(LCGetFloat(config, "f", value));
+    EXPECT_EQ(value, 0.1f);
+    EXPECT_EQ(number(config, "u"), 4294967295.0);
+}
+
+TEST(LuaConfigTest, WideTextIsCutBetweenCharacters) {
+    LuaConfig config("", false);
+    config.SetString("s", "a\xC3\xA4\xF0\x9F\x98\x80z"); // a, U+00E4, U+1F600, z
+    config.SetString("bad", "a\xFFz");
+
+    struct Case {
+        char const * name;
+        unsigned int size;
+        char16_t const * expected;
+    };
+
+    constexpr Case cases[] = {{"s", 6, u"a\u00E4\U0001F600z"},
+                              {"s", 5, u"a\u00E4\U0001F600"},
+                              {"s", 4, u"a\u00E4"},
+                              {"s", 3, u"a\u00E4"},
+                              {"s", 1, u""},
+                              {"bad", 8, u"a\uFFFDz"}};
+    for (Case const & row : cases) {
+        char16_t buffer[8] = u"xxxxxxx";
+        EXPECT_TRUE(LCGetWString(config, row.name, buffer, row.size));
+        EXPECT_EQ(std::u16string(buffer), row.expected) << row.size;
+    }
+    char16_t buffer[2] = u"k";
+    EXPECT_FALSE(LCGetWString(config, "s", buffer, 0));
+    EXPECT_FALSE(LCGetWString(config, "missing", buffer, 2));
+    EXPECT_EQ(buffer[0], u'k');
+}
+
+TEST(LuaConfigTest, DataStateShowsScriptsNoMoreThanItShould) {
+    constexpr char const * conditions[] = {
+        // what data files use
+        "string.format('%d', 3) == '3' and ('x'):rep(2) == 'xx' and ('abc'):match('b(.)') == 'c'",
+        "math.floor(2.5) == 2 and table.concat({1, 2}) == '12' and pcall(print)",
+        "select('#', unpack({1, 2, 3}, 2)) == 2 and select('#', unpack({}, 3, 2)) == 0 and unpack({5}) == 5",
+        // the libraries are behind the globals, not in them, and stay there
+        "next(_G) == nil and _G._G == _G and getmetatable(_G) == false and not pcall(setmetatable, _G, {})",
+        // no code from elsewhere, no environments, no hand on the collector
+        "not (load or loadstring or loadfile or dofile or require or module or package or string.dump)",
+        "not (getfenv or setfenv or collectgarbage or gcinfo or newproxy or coroutine or debug or io or os)",
+        // calls that would bring down the standard library
+        "not pcall(unpack, {}, -2^31, 2^31 - 1) and not pcall(unpack, {}, 1, 1e300) and not unpack({}, 0/0)",
+        "not pcall(string.match, ('x'):rep(1e6), ('x?'):rep(1e6))",
+        "not pcall(string.gfind, ('x'):rep(1e6), ('x?'):rep(1e6))",
+        "not pcall(function() local function f() return f() + 1 end f() end)"};
+    for (char const * condition : conditions) {
+        LuaConfig config("", false);
+        EXPECT_TRUE(holds(config, condition)) << condition;
+        EXPECT_EQ(config.CountEntry(), 0u) << condition;
+    }
+}
+
+TEST(LuaConfigTest, ScriptStateListsOnlyWhatIsNew) {
+    LuaConfig config("", true);
+    EXPECT_EQ(config.CountEntry(), 0u);
+    EXPECT_EQ(config.GetType("string"), LuaConfig::LT_TABLE);
+    EXPECT_TRUE(holds(config, "type(os.time()) == 'number'"));
+    config.RunString("x = 1  print = 5", true);
+    EXPECT_EQ(walk(config), (Names{"print", "x"})) << "a replaced one is new";
+}
+
+std::string bytecode() {
+    LuaConfig config("", true);
+    lua_State * const L = config.GetState();
+    luaL_loadstring(L, "leak = 1");
+    std::string code;
+    lua_Writer const append = [](lua_State *, void const * piece, std::size_t size, void * out) {
+        static_cast<std::string *>(out)->append(static_cast<char const *>(piece), size);
+        return 0;
+    };
+    lua_dump(L, append, &code);
+    return code;
+}
+
+TEST(LuaConfigTest, LoadersTakeSourceAndNoBytecode) {
+    TemporaryFolder const folder;
+    std::string const code = bytecode();
+    folder.WriteFile("code.lua", code);
+    folder.WriteFile("marked.lua", "\xEF\xBB\xBF" + code);
+    folder.WriteFile("part/one.lua", "\xEF\xBB\xBF#!comment\nlocal name = ... return {loaded = name}");
+    folder.WriteFile("bad.lua", "#\n\n= 1");
+
+    LuaConfig config("", true);
+    EXPECT_FALSE(config.RunString(code.c_str(), false));
+    lua_State * const L = config.GetState();
+    lua_pushlstring(L, code.data(), code.size());
+    lua_setglobal(L, "code");
+    config.SetString("folder", (folder / "").c_str());
+    config.RunString("package.path = folder .. '?.txt;' .. folder .. '?.lua'", true);
+    constexpr char const * conditions[] = {
+        "select(2, loadstring(code)) == 'bytecode is refused'",
+        "not load(function() local piece = code code = nil return piece end)",
+        "not loadfile(folder .. 'code.lua') and not loadfile(folder .. 'marked.lua')",
+        "not pcall(dofile, folder .. 'code.lua') and not pcall(require, 'code') and leak == nil",
+
+        "loadstring('return 1 + 1')() == 2 and select(2, loadstring('= 1', '=name')):find('^name:1:')",
+        "load(coroutine.wrap(function() coroutine.yield('return 4') coroutine.yield('2') end))() == 42",
+        "select(2, load(function() return {} end)):find('reader function must return a string')",
+        "not pcall(load, 'text') and not pcall(loadfile) and not loadfile(folder .. 'none.lua')",
+        "loadfile(folder .. 'part/one.lua')('x').loaded == 'x' and dofile(folder .. 'part/one.lua')",
+        "select(2, loadfile(folder .. 'bad.lua')):find('bad.lua:3:', 1, true)",
+        "require('part.one').loaded == 'part.one' and require('part.one') == package.loaded['part.one']",
+        "select(2, pcall(require, 'none')):find(\"no file '\" .. folder .. \"none.lua'\", 1, true)",
+        "select(2, pcall(require, 'bad')):find('error loading module', 1, true)"};
+    for (char const * condition : conditions)
+        EXPECT_TRUE(holds(config, condition)) << condition;
+}
+
+TEST(LuaConfigTest, RunTellsWhyWhenAsked) {
+    TraceCapture trace;
+    LuaConfig config("settings", false);
+    EXPECT_FALSE(config.RunString("x = = 1", false));
+    EXPECT_TRUE(trace.lines.empty());
+    EXPECT_FALSE(config.RunString("error('why', 0)", true));
+    EXPECT_FALSE(config.RunString("error({})", true));
+    EXPECT_EQ(trace.lines,
+              (Names{"SCRIPT -- State 'settings': why", "SCRIPT -- State 'settings': the error is no text"}));
+    EXPECT_TRUE(config.RunString(nullptr, true));
+}
+
+TEST(LuaConfigTest, EndlessNestingIsAnError) {
+    for (std::string const piece :
+         {"x=(", "x={", "do ", "x=function() ", "if x then ", "x=-", "x='a'..", "x[", "x(", "("}) {
+        std::string source;
+        for (int i = 0; i < 50000; ++i)
+            source += piece;
+        LuaConfig config("", false);
+        EXPECT_FALSE(config.RunString(source.c_str(), false)) << piece;
+    }
+}
+
+// An allocator that fails from a given call on.
+struct Allocations {
+    unsigned int left;
+    bool hasFailed = false;
+
+    static void * Allocate(void * context, void * block, std::size_t, std::size_t size) {
+        auto & allocations = *static_cast<Allocations *>(context);
+        if (size == 0)
+            std::free(block);
+        else if (allocations.left == 0)
+            allocations.hasFailed = true;
+        if (size == 0 || allocations.left == 0)
+            return nullptr;
+        --allocations.left;
+        return std::realloc(block, size);
+    }
+};
+
+TEST(LuaConfigTest, NoMemoryIsNoCrashAndNoDamage) {
+    TraceCapture trace;
+    bool everything = false;
+    for (unsigned int allowed = 0; !everything; ++allowed) {
+        ASSERT_LT(allowed, 1000u);
+        LuaConfig config("small", false);
+        config.RunString("plain = 1  full = {}", true);
+        lua_State * const L = config.GetState();
+        void * context = nullptr;
+        lua_Alloc const normal = lua_getallocf(L, &context);
+        Allocations allocations{allowed};
+        lua_setallocf(L, Allocations::Allocate, &allocations);
+        {
+            config.SetNumber("number", 1);
+            config.SetString("text", "a text that is new to this state");
+            config.PushTable("created");
+            config.PushTable(4u);
+            config.SetNumber("inner", 2);
+            config.PopTable();
+            config.PopTable();
+            config.PushTable("plain");
+            config.PushTable("below");
+            config.SetNumber("x", 3);
+            config.PopTable();
+            config.PopTable();
+            config.PushTableGlobals();
+            auto const field = config.IterateBegin();
+            config.RunString("script = {}", true);
+            config.PopTable();
+            config.ClearVariable("full");
+            EXPECT_EQ(lua_gettop(L), 1);
+            everything = !allocations.hasFailed;
+        }
+        lua_setallocf(L, normal, context);
+        EXPECT_EQ(trace.lines.empty(), everything);
+        trace.lines.clear();
+        config.SetString("text", "again");
+        EXPECT_TRUE(holds(config, "text == 'again' and (plain == 1 or type(plain) == 'table')"));
+        if (everything) {
+            EXPECT_TRUE(
+                holds(config, "created[4].inner == 2 and plain.below.x == 3 and script and not full"));
+        }
+    }
+}
+
+TEST(LuaConfigTest, ErrorsOfFinalizersEndHere) {
+    TraceCapture trace;
+    LuaConfig config("", true);
+    ASSERT_TRUE(config.RunString("collectgarbage('stop') for i = 1, 100 do"
+                                 " getmetatable(newproxy(true)).__gc = function() error('finalizer', 0) end "
+                                 "end collectgarbage('restart')",
+                                 true));
+    for (int i = 0; i < 20000; ++i) {
+        std::string const text = std::to_string(i);
+        config.SetString("s", text.c_str());
+        config.PushTable("a text that is new");
+        config.SetNumber(("name" + text).c_str(), i);
+        ASSERT_EQ(number(config, ("name" + text).c_str()), i);
+        config.PopTable();
+        std::string value;
+        ASSERT_TRUE(config.GetString("s", value));
+        ASSERT_EQ(value, text) << "nothing is lost to it";
+    }
+    ASSERT_FALSE(trace.lines.empty());
+    EXPECT_EQ(trace.lines[0], "SCRIPT -- State '': finalizer");
+}
+
+TEST(LuaConfigTest, NamesStayRightWhenMoreAreReadThanAreKept) {
+    LuaConfig config("", false);
+    config.RunString("for i = 1, 3000 do _G['field' .. i] = i end", true);
+    for (int i = 1; i <= 6000; ++i)
+        ASSERT_EQ(number(config, ("field" + std::to_string(i % 3000 + 1)).c_str()), i % 3000 + 1);
+}
+
+TEST(GlobalLuaTest, IsOneScriptStateUntilItIsShutDown) {
+    LuaConfig * const state = GlobalLua::GetState();
+    ASSERT_NE(state, nullptr);
+    state->SetNumber("x", 1);
+    EXPECT_EQ(GlobalLua::GetState(), state);
+    EXPECT_TRUE(holds(*state, "x == 1 and os.time()"));
+    GlobalLua::Shutdown();
+    GlobalLua::Shutdown();
+    EXPECT_EQ(GlobalLua::GetState()->GetType("x"), LuaConfig::LT_NONE);
+}
+
+} // namespace
