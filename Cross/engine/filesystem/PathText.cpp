@@ -1,6 +1,5 @@
 #include "Cross/engine/filesystem/PathText.h"
 
-#include <cstring>
 #include <string>
 #include <string_view>
 
@@ -45,9 +44,10 @@ Parts takeApart(std::string_view path) {
 // False, and an empty text, when it does not fit. A null buffer takes anything.
 bool store(char * buffer, std::string_view text) {
     bool const fits = text.size() < c_maxPath;
+    std::size_t const length = fits ? text.size() : 0;
     if (buffer) {
-        std::memmove(buffer, text.data(), fits ? text.size() : 0);
-        buffer[fits ? text.size() : 0] = '\0';
+        std::char_traits<char>::move(buffer, text.data(), length); // `text` may lie in the buffer
+        buffer[length] = '\0';
     }
     return fits;
 }

@@ -167,6 +167,7 @@ TEST_F(FilePathTest, RefusesBadAliases) {
 
 TEST_F(FilePathTest, ConvertsToRealPaths) {
     link("..", "up");
+    link("Art", "alsoArt");
     std::string const root = (folder / "root").string();
 
     struct {
@@ -175,6 +176,7 @@ TEST_F(FilePathTest, ConvertsToRealPaths) {
     } const rows[] = {
         {"DATA:", root},
         {"DATA:ART\\TANK.tga", root + "/Art/Tank.tga"},
+        {"DATA:alsoart/TANK.tga", root + "/alsoArt/Tank.tga"},
         // what is not there keeps its spelling
         {"DATA:art/New.txt", root + "/Art/New.txt"},
         {"DATA:New/../Other/x.txt", root + "/Other/x.txt"},

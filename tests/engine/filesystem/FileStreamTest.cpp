@@ -1,1 +1,297 @@
+#include "Cross/engine/filesystem/FileStream.h"
+
+#include "Cross/engine/filesystem/FilePathHDRaw.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceCapture.h"
+
 #include <gtest/gtest.h>
+
+#include <csignal>
+#include <filesystem>
+#include <functional>
+#include <string>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+namespace stdfs = std::filesystem;
+
+std::unique_ptr<ByteStream> open(std::string const & path, StreamMode mode) {
+    return std::unique_ptr<ByteStream>(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), mode, false));
+}
+
+bool put(ByteStream & stream, std::string const & text) {
+    return stream.Write(text.data(), static_cast<unsigned int>(text.size())) == text.size();
+}
+
+mode_t modeOf(std::string const & path) {
+    struct stat status {};
+
+    ::stat(path.c_str(), &status);
+    return status.st_mode & 07777;
+}
+
+class FileStreamTest : public testing::Test {
+protected:
+    FileStreamTest() { folder.WriteFile("file", "old"); }
+
+    ~FileStreamTest() override {
+        FileFaults::Instance().Clear();
+        stdfs::permissions(folder.Path(), stdfs::perms::owner_all);
+    }
+
+    std::string content() const { return folder.ReadFile("file"); }
+
+    TemporaryFolder folder;
+    std::string const file = folder / "file";
+};
+
+TEST_F(FileStreamTest, NewContentTakesTheNameAtCloseOrAtTheFirstFlush) {
+    std::unique_ptr<ByteStream> stream = open(file, c_streamWrite);
+    put(*stream, "new");
+    EXPECT_EQ(content(), "old");
+    stream.reset();
+    EXPECT_EQ(content(), "new");
+
+    stream = open(file, c_streamWrite);
+    put(*stream, "line");
+    EXPECT_TRUE(stream->Flush());
+    EXPECT_EQ(content(), "line");
+    put(*stream, "+");
+    EXPECT_TRUE(stream->Flush());
+    EXPECT_EQ(content(), "line+");
+    stream.reset();
+
+    open(file, c_streamWrite); // nothing is content too
+    EXPECT_EQ(content(), "");
+    EXPECT_EQ(folder.CountEntries(), 1u);
+}
+
+TEST_F(FileStreamTest, ReplacesTheFileBehindLinksAndKeepsItsMode) {
+    ::chmod(file.c_str(), 0640);
+    stdfs::create_symlink("file", folder / "first");
+    stdfs::create_symlink(folder / "first", folder / "second");
+    std::unique_ptr<ByteStream> stream = open(folder / "second", c_streamWrite);
+    EXPECT_EQ(stream->GetStreamName(), folder / "second");
+    put(*stream, "new");
+    stream.reset();
+    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(modeOf(file), 0640u);
+    EXPECT_TRUE(stdfs::is_symlink(folder / "second"));
+}
+
+TEST_F(FileStreamTest, DiscardKeepsWhatStoodThere) {
+    for (char const * const name : {"file", "fresh"}) {
+        std::unique_ptr<ByteStream> stream = open(folder / name, c_streamWrite);
+        put(*stream, "unfinished");
+        stream->Discard();
+        EXPECT_FALSE(put(*stream, "more"));
+        EXPECT_FALSE(stream->Flush());
+    }
+    EXPECT_EQ(content(), "old");
+    EXPECT_EQ(folder.CountEntries(), 1u);
+
+    std::unique_ptr<ByteStream> stream = open(folder / "fresh", c_streamWrite);
+    put(*stream, "flushed");
+    stream->Flush();
+    put(*stream, "unfinished");
+    stream->Discard();
+    stream.reset();
+    EXPECT_EQ(folder.ReadFile("fresh"), "flushed");
+}
+
+// Saves 200,000 bytes in pieces of both kinds, the ones that the buffer gathers and those that pass it.
+bool save(std::string const & path) {
+    std::unique_ptr<ByteStream> const stream = open(path, c_streamWrite);
+    bool written = true;
+    for (unsigned int size : {10u, 60'000u, 10u, 70'000u, 60'000u, 9'980u})
+        written = written && put(*stream, std::string(size, 'n'));
+    return written && stream->Flush();
+}
+
+struct Fault {
+    char const * reason;
+    std::function<void()> inject;
+};
+
+TEST_F(FileStreamTest, FailedSavesLeaveTheOldFileAndOneTraceLine) {
+    FileFaults & faults = FileFaults::Instance();
+    std::vector<Fault> rows;
+    for (unsigned int n = 1; n <= 4; ++n)
+        rows.push_back({"No space left on device", [&faults, n] { faults.failingWrite = n; }});
+    rows.push_back({"Input/output error", [&faults] { faults.failSync = true; }});
+    rows.push_back({"Input/output error", [&faults] { faults.failRename = true; }});
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        for (char const * const name : {"file", "fresh"}) {
+            bool const isNew = name == std::string("fresh");
+            if (isNew && i >= 4)
+                continue; // a new file has no name to take
+            SCOPED_TRACE(std::to_string(i) + name);
+            TraceCapture trace;
+            rows[i].inject();
+            EXPECT_FALSE(save(folder / name));
+            faults.Clear();
+            ASSERT_EQ(trace.lines.size(), 1u);
+            EXPECT_NE(trace.lines[0].find(folder / name), std::string::npos);
+            EXPECT_NE(trace.lines[0].find(rows[i].reason), std::string::npos);
+            EXPECT_EQ(content(), "old");
+            EXPECT_EQ(folder.CountEntries(), 1u);
+        }
+    }
+    EXPECT_TRUE(save(file)); // four writes were all that there are
+    EXPECT_EQ(content(), std::string(200'000, 'n'));
+}
+
+TEST_F(FileStreamTest, DiskFullAtAnyPlaceLeavesTheOldFile) {
+    auto const oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old;
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    TraceCapture trace;
+    int saved = 0;
+    for (rlim_t limit : {0u, 1u, 60'010u, 65'536u, 130'020u, 199'999u}) {
+        rlimit const low{limit, old.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &low);
+        saved += save(file) ? 1 : 0;
+        ::setrlimit(RLIMIT_FSIZE, &old);
+        EXPECT_EQ(content(), "old") << limit;
+        EXPECT_EQ(folder.CountEntries(), 1u) << limit;
+    }
+    EXPECT_EQ(saved, 0);
+    EXPECT_EQ(trace.lines.size(), 6u);
+    std::signal(SIGXFSZ, oldHandler);
+}
+
+TEST_F(FileStreamTest, AFlushedFileGoesOnWhenTheDiskHasRoomAgain) {
+    TraceCapture trace;
+    std::unique_ptr<ByteStream> stream = open(folder / "log", c_streamWrite);
+    put(*stream, "one ");
+    EXPECT_TRUE(stream->Flush());
+    put(*stream, "two ");
+    for (int i = 0; i < 2; ++i) {
+        FileFaults::Instance().failingWrite = 1;
+        EXPECT_FALSE(stream->Flush());
+    }
+    put(*stream, "three");
+    EXPECT_TRUE(stream->Flush());
+    EXPECT_EQ(folder.ReadFile("log"), "one two three");
+    EXPECT_EQ(trace.lines.size(), 1u);
+}
+
+TEST_F(FileStreamTest, ReadOnlyFilesDoNotOpenForWriting) {
+    ::chmod(file.c_str(), 0444);
+    EXPECT_FALSE(open(file, c_streamWrite));
+    EXPECT_TRUE(open(file, c_streamRead));
+}
+
+TEST_F(FileStreamTest, AFolderWithoutWriteRightIsWrittenInPlace) {
+    stdfs::create_hard_link(file, folder / "same"); // the file itself, whatever takes its name
+    ::chmod(folder.Path().c_str(), 0555);
+    std::unique_ptr<ByteStream> stream = open(file, c_streamWrite);
+    ASSERT_TRUE(stream);
+    put(*stream, std::string(100'000, 'x'));
+    EXPECT_EQ(content(), "old");
+    stream->Discard();
+    stream.reset();
+    EXPECT_EQ(content(), "old");
+
+    TraceCapture trace;
+    FileFaults::Instance().failingWrite = 1;
+    EXPECT_FALSE(save(file));
+    EXPECT_EQ(trace.lines.size(), 1u);
+    EXPECT_EQ(content(), "old");
+
+    ASSERT_TRUE(save(file));
+    EXPECT_EQ(content(), std::string(200'000, 'n'));
+    stream = open(file, c_streamWrite);
+    put(*stream, "short");
+    stream->Flush();
+    put(*stream, "er");
+    stream.reset();
+    EXPECT_EQ(content(), "shorter");
+
+    EXPECT_EQ(folder.ReadFile("same"), "shorter");
+}
+
+TEST_F(FileStreamTest, FilesMayGoWhileTheyAreOpen) {
+    std::unique_ptr<ByteStream> reader = open(file, c_streamRead);
+    std::unique_ptr<ByteStream> writer = open(file, c_streamWrite);
+    std::unique_ptr<ByteStream> creator = open(folder / "fresh", c_streamWrite);
+    put(*writer, "new");
+    creator->Discard();
+    stdfs::remove(file);
+    stdfs::remove(folder / "fresh");
+    folder.WriteFile("fresh", "of somebody else");
+    char bytes[4] = {};
+    EXPECT_EQ(reader->Read(bytes, 4), 3u);
+    EXPECT_STREQ(bytes, "old");
+    writer.reset();
+    creator.reset();
+    EXPECT_EQ(content(), "new");
+    EXPECT_EQ(folder.ReadFile("fresh"), "of somebody else");
+}
+
+TEST_F(FileStreamTest, PositionsEndBelow4GiB) {
+    unsigned int const last = 0xFFFFFFFF;
+    stdfs::resize_file(file, last);
+    std::unique_ptr<ByteStream> stream = open(file, c_streamRead);
+    ASSERT_TRUE(stream);
+    EXPECT_EQ(stream->GetLen(), last);
+    stream->SetPos(last - 2);
+    char bytes[8];
+    EXPECT_EQ(stream->Read(bytes, 8), 2u);
+    EXPECT_EQ(stream->Read(bytes, 8), 0u);
+    stdfs::resize_file(file, 0x100000000);
+    EXPECT_FALSE(open(file, c_streamRead));
+    EXPECT_FALSE(open(file, c_streamWrite));
+
+    TraceCapture trace;
+    stream = open(folder / "fresh", c_streamWrite);
+    stream->SetPos(last - 2);
+    EXPECT_FALSE(put(*stream, "abc"));
+    stream.reset();
+    EXPECT_EQ(trace.lines.size(), 1u);
+    EXPECT_FALSE(stdfs::exists(folder / "fresh"));
+}
+
+// A plain model beside the stream: whatever the order of moves and transfers, both hold the same.
+TEST_F(FileStreamTest, BufferingDoesNotShow) {
+    std::uint32_t state = 1;
+    auto const below = [&state](std::uint32_t bound) {
+        state = state * 1664525u + 1013904223u;
+        return (state >> 8) % bound;
+    };
+    std::string model;
+    std::unique_ptr<ByteStream> stream = open(file, c_streamWrite);
+    unsigned int position = 0;
+    for (int i = 0; i < 2000; ++i) {
+        std::uint32_t const choice = below(10);
+        if (choice < 5)
+            stream->SetPos(position =
+                               choice < 2 ? below(400'000) : position - std::min(position, below(2'000)));
+        EXPECT_TRUE(choice != 9 || stream->Flush());
+        std::string const piece(below(choice == 0 ? 150'000 : 300), static_cast<char>('a' + i % 26));
+        EXPECT_TRUE(put(*stream, piece));
+        if (model.size() < position + piece.size() && !piece.empty())
+            model.resize(position + piece.size());
+        model.replace(position, piece.size(), piece);
+        position += static_cast<unsigned int>(piece.size());
+        ASSERT_EQ(stream->GetPos(), position);
+        ASSERT_EQ(stream->GetLen(), model.size());
+    }
+    stream.reset();
+    ASSERT_TRUE(content() == model);
+
+    stream = open(file, c_streamRead);
+    for (int i = 0; i < 2000; ++i) {
+        if (below(3) == 0)
+            stream->SetPos(below(600'000));
+        std::size_t const from = std::min<std::size_t>(stream->GetPos(), model.size());
+        std::string piece(below(i % 10 == 0 ? 150'000 : 300), '\0');
+        piece.resize(stream->Read(piece.data(), static_cast<unsigned int>(piece.size())));
+        ASSERT_TRUE(piece == model.substr(from, piece.size()));
+    }
+}
+
+} // namespace

@@ -1,1 +1,263 @@
+#include "Cross/engine/filesystem/FilePath.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/TraceCapture.h"
+
 #include <gtest/gtest.h>
+
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <unistd.h>
+
+namespace {
+
+namespace stdfs = std::filesystem;
+using Paths = std::vector<std::string>;
+
+class Recorder : public FilePath::IFileChangeNotify {
+public:
+    ~Recorder() override { FilePath::DetachFileChangeNotification(this, nullptr); }
+
+    void OnFileChanged(char const * path) override {
+        paths.push_back(path);
+        if (leaves)
+            FilePath::DetachFileChangeNotification(this, nullptr);
+    }
+
+    // What one pump brings.
+    Paths Pump() {
+        paths.clear();
+        calls = FilePath::PumpFileChanges();
+        return paths;
+    }
+
+    Paths paths;
+    unsigned int calls = 0; // of all listeners
+    bool leaves = false;
+};
+
+class FileWatchTest : public testing::Test {
+protected:
+    FileWatchTest() {
+        folder.WriteFile("root/art/tank.tga", "old");
+        FilePath::SetAlias("DATA", (folder / "root").c_str());
+        FilePath::AttachFileChangeNotification("DATA:", &recorder);
+    }
+
+    ~FileWatchTest() override { FilePath::RemoveAlias("DATA"); }
+
+    TemporaryFolder folder;
+    std::string const tank = folder / "root/art/tank.tga";
+    Recorder recorder;
+};
+
+void append(std::string const & path, char const * text, std::ios::openmode mode = std::ios::app) {
+    std::ofstream(path, mode) << text;
+}
+
+struct EditorCase {
+    char const * way;
+    std::function<void(std::string const & file)> save;
+};
+
+EditorCase const c_editorCases[] = {
+    {"in place", [](std::string const & file) { append(file, "new", std::ios::trunc); }},
+    {"rename over",
+     [](std::string const & file) {
+         append(file + ".tmp", "new");
+         stdfs::rename(file + ".tmp", file);
+     }},
+    {"delete and create",
+     [](std::string const & file) {
+         stdfs::remove(file);
+         append(file, "new");
+     }},
+    {"backup swap",
+     [](std::string const & file) {
+         stdfs::rename(file, file + "~");
+         append(file, "new");
+         stdfs::remove(file + "~");
+     }},
+    {"truncate and append",
+     [](std::string const & file) {
+         append(file, "", std::ios::trunc);
+         append(file, "new");
+     }},
+    {"hard link",
+     [](std::string const & file) {
+         append(file + ".tmp", "new");
+         stdfs::remove(file);
+         stdfs::create_hard_link(file + ".tmp", file);
+         stdfs::remove(file + ".tmp");
+     }},
+};
+
+TEST_F(FileWatchTest, EveryWayToSaveGivesOneCall) {
+    for (EditorCase const & row : c_editorCases) {
+        SCOPED_TRACE(row.way);
+        row.save(tank);
+        row.save(tank);
+        EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
+        EXPECT_EQ(recorder.Pump(), Paths{});
+    }
+}
+
+TEST_F(FileWatchTest, UnfinishedFilesAreNotTold) {
+    std::ofstream open(folder / "root/new.txt");
+    EXPECT_EQ(recorder.Pump(), Paths{});
+    open << "half" << std::flush;
+    EXPECT_EQ(recorder.Pump(), Paths{});
+    open.close();
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:new.txt"});
+    stdfs::remove(folder / "root/new.txt");
+    EXPECT_EQ(recorder.Pump(), Paths{});
+}
+
+TEST_F(FileWatchTest, SavesOfThisLayerShowUnderTheirNameOnly) {
+    for (char const * const path : {"DATA:art/tank.tga", "DATA:art/fresh.tga"}) {
+        ByteStreamProxy stream = FilePath::OpenStream(path, c_streamWrite);
+        stream->Write("new", 3);
+        EXPECT_EQ(recorder.Pump(), Paths{});
+        stream = ByteStreamProxy();
+        EXPECT_EQ(recorder.Pump(), Paths{path});
+    }
+    FilePath::OpenStream("DATA:art/tank.tga", c_streamWrite)->Discard();
+    EXPECT_EQ(recorder.Pump(), Paths{});
+
+    // nor when the folder is looked through while the temporary file stands in it
+    folder.WriteFile("root/new/file.txt", "x");
+    ByteStreamProxy const stream = FilePath::OpenStream("DATA:new/file.txt", c_streamWrite);
+    std::string const big(100'000, 'x');
+    stream->Write(big.data(), 100'000);
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:new/file.txt"});
+}
+
+TEST_F(FileWatchTest, NewAndRenamedFoldersAreWatched) {
+    folder.WriteFile("root/a/b/c/deep.txt", "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:a/b/c/deep.txt"});
+    append(folder / "root/a/b/c/deep.txt", "y");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:a/b/c/deep.txt"});
+
+    stdfs::rename(folder / "root/a", folder / "root/z");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:z/b/c/deep.txt"});
+    append(folder / "root/z/b/c/deep.txt", "y");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:z/b/c/deep.txt"});
+
+    stdfs::rename(folder / "root/z", folder / "away");
+    folder.WriteFile("root/z/b/c/deep.txt", "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:z/b/c/deep.txt"});
+    append(folder / "away/b/c/deep.txt", "y");
+    EXPECT_EQ(recorder.Pump(), Paths{});
+}
+
+TEST_F(FileWatchTest, PathsMayAppearAfterTheAttach) {
+    Recorder early;
+    FilePath::AttachFileChangeNotification("LATE:sub/", &early);
+    append(tank, "x");
+    EXPECT_EQ(early.Pump(), Paths{});
+
+    // what an alias uncovers is no change, what happens from then on is
+    folder.WriteFile("other/sub/there.txt", "x");
+    FilePath::SetAlias("LATE", (folder / "other").c_str());
+    append(folder / "other/sub/new.txt", "x");
+    EXPECT_EQ(early.Pump(), Paths{"LATE:sub/new.txt"});
+
+    // a folder that comes back brings changes
+    stdfs::remove_all(folder / "other");
+    EXPECT_EQ(early.Pump(), Paths{});
+    folder.WriteFile("other/sub/again.txt", "x");
+    EXPECT_EQ(early.Pump(), Paths{"LATE:sub/again.txt"});
+    append(folder / "other/sub/again.txt", "y");
+    EXPECT_EQ(early.Pump(), Paths{"LATE:sub/again.txt"});
+
+    // mapped to another folder
+    folder.WriteFile("third/sub/there.txt", "x");
+    FilePath::SetAlias("LATE", (folder / "third").c_str());
+    append(folder / "other/sub/again.txt", "y");
+    append(folder / "third/sub/there.txt", "y");
+    EXPECT_EQ(early.Pump(), Paths{"LATE:sub/there.txt"});
+    FilePath::RemoveAlias("LATE");
+}
+
+TEST_F(FileWatchTest, AttachesToSingleFilesAndRealPaths) {
+    recorder.leaves = true;
+    Recorder one;
+    Recorder raw;
+    FilePath::AttachFileChangeNotification("DATA:art/tank.tga", &one);
+    FilePath::AttachFileChangeNotification("DATA:art/later.tga", &one);
+    FilePath::AttachFileChangeNotification((folder / "root/art/").c_str(), &raw);
+    append(folder / "root/art/other.tga", "x");
+    append(folder / "root/art/later.tga", "x");
+    c_editorCases[1].save(tank);
+    FilePath::PumpFileChanges();
+    EXPECT_EQ(one.paths, (Paths{"DATA:art/tank.tga", "DATA:art/later.tga"}));
+    EXPECT_EQ(raw.paths, (Paths{folder / "root/art/later.tga", folder / "root/art/other.tga", tank}));
+    EXPECT_EQ(recorder.paths.size(), 1u); // it detached itself inside its first call
+
+    c_editorCases[2].save(tank);
+    EXPECT_EQ(one.Pump(), Paths{"DATA:art/tank.tga"});
+}
+
+TEST_F(FileWatchTest, OneCallPerPathAndListener) {
+    FilePath::AttachFileChangeNotification("DATA:", &recorder);
+    FilePath::AttachFileChangeNotification("DATA:art", &recorder);
+    append(tank, "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
+    EXPECT_EQ(recorder.calls, 1u);
+    FilePath::DetachFileChangeNotification(&recorder, "DATA:");
+    append(tank, "x");
+    append(folder / "root/top.txt", "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
+    FilePath::DetachFileChangeNotification(&recorder, nullptr);
+    append(tank, "x");
+    EXPECT_EQ(recorder.Pump(), Paths{});
+}
+
+TEST_F(FileWatchTest, AnOverflowIsTracedAndLosesNothing) {
+    unsigned int room = 0;
+    std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> room;
+    ASSERT_LE(room, 100'000u);
+    for (unsigned int i = 0; i < room / 2; ++i)
+        append(folder / ("root/" + std::to_string(i % 2)), "x");
+    append(tank, "x");
+    folder.WriteFile("root/new/file.txt", "x");
+    TraceCapture trace;
+    EXPECT_EQ(recorder.Pump(), (Paths{"DATA:0", "DATA:1", "DATA:art/tank.tga", "DATA:new/file.txt"}));
+    EXPECT_EQ(trace.lines.size(), 1u);
+    append(folder / "root/new/file.txt", "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:new/file.txt"});
+}
+
+class SlowListener : public FilePath::IFileChangeNotify {
+public:
+    void OnFileChanged(char const *) override {
+        inside = true;
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        inside = false;
+        ++calls;
+    }
+
+    std::atomic<bool> inside{false};
+    std::atomic<int> calls{0};
+};
+
+TEST_F(FileWatchTest, DetachWaitsForAnotherThreadInsideTheListener) {
+    SlowListener listener;
+    FilePath::AttachFileChangeNotification("DATA:art", &listener);
+    append(tank, "x");
+    std::thread pump([] { FilePath::PumpFileChanges(); });
+    while (!listener.inside && listener.calls == 0)
+        std::this_thread::yield();
+    FilePath::DetachFileChangeNotification(&listener, "DATA:art");
+    EXPECT_FALSE(listener.inside);
+    EXPECT_EQ(listener.calls, 1);
+    pump.join();
+}
+
+} // namespace

@@ -103,6 +103,9 @@ TEST(PathText, BuffersMayBeTheirOwnInput) {
     EXPECT_STREQ(path.text, "DATA:art/tank.tga");
     EXPECT_TRUE(fs::SplitPath(path.text, nullptr, nullptr, path.text, nullptr));
     EXPECT_STREQ(path.text, "tank");
+    PathBuffer overlapping("x.extension");
+    EXPECT_TRUE(fs::RetrieveExtension(overlapping.text, overlapping.text));
+    EXPECT_STREQ(overlapping.text, "extension");
 }
 
 TEST(PathText, SetsReplacesAndTakesAway) {
