@@ -5,215 +5,428 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstddef>
+#include <cstdlib>
 #include <cstring>
+#include <iterator>
+#include <limits>
+#include <new>
+#include <vector>
 
 constinit Dictionary::Key const Dictionary::Key::INVALID;
 
 namespace {
 
+// A case-blind dictionary cuts its texts to so many characters.
 constexpr std::size_t c_maxFolded = 1024;
 
-// Tags carry the length of short texts in their low byte; texts from here on share the highest value.
-constexpr std::size_t c_longText = 255;
+// Texts up to this length are hashed and compared as five words that overlap as far as the text is shorter.
+// That takes no branch on the length, which is as good as random from one name to the next.
+constexpr std::size_t c_maxInWords = 40;
 
-std::uint64_t loadWord(char const * text) {
-    std::uint64_t word;
-    std::memcpy(&word, text, sizeof(word));
+constexpr std::size_t c_wordSize = sizeof(std::uint64_t);
+constexpr std::uint64_t c_ones = 0x0101010101010101; // spreads a byte over a word
+
+// -- Texts, eight bytes at a time. Words are in the machine's byte order, since nothing that is made of them
+// leaves the process.
+
+template <class Word>
+Word load(void const * bytes) {
+    Word word;
+    std::memcpy(&word, bytes, sizeof(word));
     return word;
 }
 
-std::uint64_t loadShort(char const * text, std::size_t length) {
-    std::uint32_t low = 0, high = 0;
-    if (length >= 4) {
-        std::memcpy(&low, text, 4);
-        std::memcpy(&high, text + length - 4, 4);
-    } else if (length > 0) {
-        low = static_cast<unsigned char>(text[0]);
-        high = static_cast<std::uint32_t>(static_cast<unsigned char>(text[length / 2])) << 8 |
-               static_cast<unsigned char>(text[length - 1]);
-    }
-    return static_cast<std::uint64_t>(high) << 32 | low;
+std::uint64_t wordAt(char const * text, std::size_t i) { return load<std::uint64_t>(text + i); }
+
+// All of a text that is shorter than a word. Only texts of one length can be told apart by it.
+std::uint64_t shortText(char const * text, std::size_t length) {
+    if (length >= 4)
+        return load<std::uint32_t>(text) | static_cast<std::uint64_t>(load<std::uint32_t>(text + length - 4))
+                                               << 32;
+    if (length == 0)
+        return 0;
+    auto const byteAt = [text](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(text[i])}; };
+    return byteAt(0) | byteAt(length / 2) << 8 | byteAt(length - 1) << 16;
 }
 
-std::uint64_t mix(std::uint64_t hash) {
-    hash *= 0x9FB21C651E98DF25;
-    return hash ^ hash >> 32;
+std::uint64_t asItStands(std::uint64_t word) { return word; }
+
+std::uint64_t lowerCased(std::uint64_t word) {
+    std::uint64_t const low = word & c_ones * 0x7F;
+    std::uint64_t const fromA = low + c_ones * (0x80 - 'A');
+    std::uint64_t const aboveZ = low + c_ones * (0x7F - 'Z');
+    std::uint64_t const letters = (fromA ^ aboveZ) & ~word & c_ones * 0x80;
+    return word | letters >> 2;
 }
 
-// A cheap hash of a text, good within this process only: 24 bits of hash above 8 bits of length.
-std::uint32_t tagOf(char const * text, std::size_t length) {
+using Fold = std::uint64_t(std::uint64_t);
+
+template <Fold fold>
+bool sameWords(char const * text, char const * stored, std::size_t length) {
+    if (length < c_wordSize)
+        return fold(shortText(text, length)) == shortText(stored, length);
+    auto const difference = [=](std::size_t i) { return fold(wordAt(text, i)) ^ wordAt(stored, i); };
+    std::size_t const last = length - c_wordSize;
+    return (difference(0) | difference(last / 4) | difference(last / 2) | difference(last * 3 / 4) |
+            difference(last)) == 0;
+}
+
+// -- A hash that is cheaper than the name hash. It serves to find texts again and is never seen outside.
+
+__extension__ using DoubleWord = unsigned __int128;
+
+// Multiplies and folds the upper half of the product into the lower one.
+std::uint64_t mix(std::uint64_t left, std::uint64_t right) {
+    DoubleWord const product = static_cast<DoubleWord>(left) * right;
+    return static_cast<std::uint64_t>(product) ^ static_cast<std::uint64_t>(product >> 64);
+}
+
+// Any odd-looking numbers, different from each other, so that equal words do not cancel out.
+constexpr std::uint64_t c_salt[6] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x94D049BB133111EB,
+                                     0xD6E8FEB86659FD93, 0xA0761D6478BD642F, 0xE7037ED1A0B428DB};
+
+template <Fold fold>
+std::uint64_t hashOfWords(char const * text, std::size_t length) {
+    if (length < c_wordSize)
+        return mix(fold(shortText(text, length)) ^ c_salt[4], length ^ c_salt[5]);
+    auto const word = [=](std::size_t i) { return fold(wordAt(text, i)); };
+    std::size_t const last = length - c_wordSize;
+    return mix(word(0) ^ c_salt[0], word(last / 4) ^ c_salt[1]) ^
+           mix(word(last / 2) ^ c_salt[2], word(last * 3 / 4) ^ c_salt[3]) ^
+           mix(word(last) ^ c_salt[4], length ^ c_salt[5]);
+}
+
+std::uint64_t hashOfLong(char const * text, std::size_t length) {
+    std::size_t const last = length - 2 * c_wordSize;
     std::uint64_t hash = length;
-    if (length >= 8) {
-        for (std::size_t i = 0; i + 8 < length; i += 8)
-            hash = mix(hash ^ loadWord(text + i));
-        hash = mix(hash ^ loadWord(text + length - 8));
-    } else {
-        hash = mix(hash ^ loadShort(text, length));
-    }
-    hash *= 0x9FB21C651E98DF25;
-    return static_cast<std::uint32_t>(hash >> 40) << 8 |
-           static_cast<std::uint32_t>(std::min(length, c_longText));
+    for (std::size_t i = 0; i < last; i += 2 * c_wordSize)
+        hash = mix(wordAt(text, i) ^ hash, wordAt(text, i + c_wordSize) ^ c_salt[0]);
+    return mix(wordAt(text, last) ^ hash, wordAt(text, last + c_wordSize) ^ c_salt[1]);
 }
 
-// Whether the stored text is the same, which has the same tag, hence the same length when it is short.
-bool sameText(char const * stored, char const * text, std::size_t length) {
-    if (length >= c_longText)
-        return std::strcmp(stored, text) == 0;
-    if (length < 8)
-        return loadShort(stored, length) == loadShort(text, length);
-    for (std::size_t i = 0; i + 8 < length; i += 8)
-        if (loadWord(stored + i) != loadWord(text + i))
-            return false;
-    return loadWord(stored + length - 8) == loadWord(text + length - 8);
+// -- Stored texts. Each has a label right in front of it, on the same cache line more often than not.
+
+struct Label {
+    std::uint32_t length;
+    std::uint32_t key;
+};
+
+Label labelOf(char const * text) { return load<Label>(text - sizeof(Label)); }
+
+void setLabel(char * text, Label const & label) { std::memcpy(text - sizeof(label), &label, sizeof(label)); }
+
+char * allocateText(_HMEMPOOL * pool, std::size_t length) {
+    if (length >= std::numeric_limits<unsigned int>::max() - sizeof(Label))
+        throw std::bad_alloc();
+    unsigned int const size = static_cast<unsigned int>(sizeof(Label) + length + 1);
+    return static_cast<char *>(MemPoolAlloc(pool, size)) + sizeof(Label);
 }
 
-std::size_t fold(char const * text, char (&folded)[c_maxFolded + 1]) {
-    std::size_t length = 0;
-    for (; length < c_maxFolded && text[length] != '\0'; ++length)
-        folded[length] = text::ToLower(text[length]);
-    folded[length] = '\0';
+void freeText(_HMEMPOOL * pool, char const * text) {
+    MemPoolFree(pool, const_cast<char *>(text) - sizeof(Label));
+}
+
+// -- A text that is asked for
+
+// Room for the folded form of a text that is too long to be folded word by word on the fly.
+using FoldBuffer = char[c_maxFolded];
+
+struct Question {
+    char const * text;
+    std::size_t length;
+    std::uint32_t hash;
+    bool isFolded; // whether the text is in the form in which it is stored
+};
+
+// Folds what counts of a text into the buffer and gives its length.
+std::size_t foldLong(char const * text, std::size_t length, FoldBuffer & buffer) {
+    length = std::min(length, c_maxFolded);
+    std::transform(text, text + length, buffer, [](char c) { return text::ToLower(c); });
     return length;
 }
 
+Question ask(char const * text, bool caseSensitive, FoldBuffer & buffer) {
+    std::size_t length = std::strlen(text);
+    if (length > c_maxInWords) {
+        if (!caseSensitive) {
+            length = foldLong(text, length, buffer);
+            text = buffer;
+        }
+        return {text, length, static_cast<std::uint32_t>(hashOfLong(text, length) >> 32), true};
+    }
+    std::uint64_t const hash =
+        caseSensitive ? hashOfWords<asItStands>(text, length) : hashOfWords<lowerCased>(text, length);
+    return {text, length, static_cast<std::uint32_t>(hash >> 32), caseSensitive};
+}
+
+// Whether a stored text is the one asked for.
+bool isAnswer(char const * stored, char const * text, std::size_t length, bool isFolded) {
+    if (labelOf(stored).length != length)
+        return false;
+    if (length > c_maxInWords)
+        return std::memcmp(text, stored, length) == 0;
+    return isFolded ? sameWords<asItStands>(text, stored, length)
+                    : sameWords<lowerCased>(text, stored, length);
+}
+
+// A copy without a label yet.
+char * storeText(_HMEMPOOL * pool, Question const & question) {
+    char * const text = allocateText(pool, question.length);
+    std::memcpy(text, question.text, question.length);
+    text[question.length] = '\0';
+    if (!question.isFolded)
+        std::transform(text, text + question.length, text, [](char c) { return text::ToLower(c); });
+    return text;
+}
+
+// -- Tables
+
+// Small items under 32-bit numbers that are evenly distributed, as hashes are.
+//
+// An item lies at the slot that its number has in proportion to all numbers, or in the first gap behind it;
+// there is no wrapping around. So it is found a step or two from where it belongs, and all the items between
+// two gaps are below all the items behind: a walk in ascending order has but to sort each such run, of a few
+// items.
+//
+// A mark per slot tells the gaps and nearly all of the wrong items, eight slots at a time and without a look
+// at the items, which are elsewhere in memory.
+template <class Item>
+class SpreadTable {
+public:
+    // A table without slots: nothing is found in it.
+    SpreadTable() = default;
+
+    explicit SpreadTable(unsigned int bits)
+        : shift(32 - bits), marks(slotCount(bits) + c_wordSize), items(slotCount(bits)) {}
+
+    // The item under the number for which `matches` holds, null when there is none.
+    template <class Matches>
+    Item const * Find(std::uint32_t number, Matches const & matches) const {
+        if (items.empty())
+            return nullptr;
+        std::uint64_t const mark = c_ones * markOf(number);
+        std::size_t slot = homeOf(number);
+        __builtin_prefetch(&items[slot]); // marks and items come from memory side by side
+        for (;; slot += c_wordSize) {
+            std::uint64_t const group = groupAt(slot);
+            std::uint64_t const gaps = gapsIn(group);
+            std::uint64_t found = zerosIn(group ^ mark) & (gaps - 1);
+            for (; found != 0; found &= found - 1) {
+                Item const & item = items[slot + firstIn(found)];
+                if (matches(item))
+                    return &item;
+            }
+            if (gaps != 0)
+                return nullptr;
+        }
+    }
+
+    // Sees to it that the next Insert finds a gap. Needs slots.
+    void MakeRoom() {
+        if (marks[items.size() - 1] == 0)
+            return;
+        marks.push_back(0);
+        items.push_back({});
+    }
+
+    void Insert(std::uint32_t number, Item const & item) {
+        std::size_t slot = homeOf(number);
+        while (gapsIn(groupAt(slot)) == 0)
+            slot += c_wordSize;
+        slot += firstIn(gapsIn(groupAt(slot)));
+        marks[slot] = markOf(number);
+        items[slot] = item;
+    }
+
+    // Calls visit(first, last) for each run of items between gaps, by ascending numbers.
+    template <class Visit>
+    void ForEachRun(Visit const & visit) const {
+        auto const isTaken = [](std::uint8_t mark) { return mark != 0; };
+        auto const itemAt = [this](auto mark) { return items.data() + (mark - marks.begin()); };
+        auto first = std::find_if(marks.begin(), marks.end(), isTaken);
+        while (first != marks.end()) {
+            auto const last = std::find_if_not(first, marks.end(), isTaken);
+            visit(itemAt(first), itemAt(last));
+            first = std::find_if(last, marks.end(), isTaken);
+        }
+    }
+
+private:
+    // The run at the upper end continues in a few slots more.
+    static std::size_t slotCount(unsigned int bits) { return (std::size_t{1} << bits) + 4 * bits; }
+
+    std::size_t homeOf(std::uint32_t number) const { return number >> shift; }
+
+    // The lowest bits have the least say in the home; bit 7 is what tells a mark from a gap.
+    static std::uint8_t markOf(std::uint32_t number) { return static_cast<std::uint8_t>(number | 0x80); }
+
+    // Marks of eight slots, the first in the lowest byte.
+    std::uint64_t groupAt(std::size_t slot) const {
+        std::uint64_t const group = load<std::uint64_t>(marks.data() + slot);
+        return std::endian::native == std::endian::little ? group : __builtin_bswap64(group);
+    }
+
+    // Bit 7 of each byte that is a gap.
+    static std::uint64_t gapsIn(std::uint64_t group) { return ~group & c_ones * 0x80; }
+
+    // Bit 7 of each byte that is 0, and now and then of a byte above one.
+    static std::uint64_t zerosIn(std::uint64_t group) { return (group - c_ones) & ~group & c_ones * 0x80; }
+
+    static std::size_t firstIn(std::uint64_t bits) {
+        return static_cast<std::size_t>(std::countr_zero(bits)) / 8;
+    }
+
+    unsigned int shift = 0;
+    std::vector<std::uint8_t> marks; // 0 in a gap; a word of gaps more than there are items
+    std::vector<Item> items;
+};
+
+struct Name {
+    char const * text;
+    std::uint32_t key;
+    std::uint32_t hash;
+};
+
 } // namespace
 
-Dictionary::Entry const * Dictionary::Table::LowerBound(std::uint32_t order) const {
-    if (slots.empty())
-        return nullptr;
-    Entry const * entry = slots.data() + (static_cast<std::uint64_t>(order) * spread >> 32);
-    while (entry->order < order)
-        ++entry;
-    return entry;
-}
-
-void Dictionary::Table::MakeRoom() {
-    if (count >= spread / 4 * 3)
-        Grow();
-    if (slots[slots.size() - 2].text)
-        slots.push_back({0xFFFFFFFF, 0, nullptr});
-}
-
-void Dictionary::Table::Grow() {
-    std::size_t const wider = spread ? 2 * spread : 16;
-    std::vector<Entry> fresh(wider + 4 * static_cast<std::size_t>(std::bit_width(wider)),
-                             {0xFFFFFFFF, 0, nullptr});
-    std::size_t next = 0;
-    for (Entry const & entry : slots) {
-        if (!entry.text)
-            continue;
-        next = std::max<std::size_t>(next, static_cast<std::uint64_t>(entry.order) * wider >> 32);
-        if (next >= fresh.size() - 2)
-            fresh.resize(fresh.size() + fresh.size()/2, {0xFFFFFFFF, 0, nullptr});
-        fresh[next] = entry;
-        ++next;
+// All texts, under two numbers each: the key, which must lead to the text, and a cheaper hash of the text,
+// which leads to the key. A text that is known is known by that hash, so that asking for a name costs no name
+// hash and no walk along its collisions: those settled its key once and for all when it was stored.
+struct Dictionary::Entries {
+    char const * Find(Question question) const {
+        char const * const * const text = byHash.Find(question.hash, [=](char const * stored) {
+            return isAnswer(stored, question.text, question.length, question.isFolded);
+        });
+        return text ? *text : nullptr;
     }
-    slots = std::move(fresh);
-    spread = wider;
-}
 
-void Dictionary::Table::Insert(Entry const & entry) {
-    Entry * const place = const_cast<Entry *>(LowerBound(entry.order));
-    Entry * gap = place;
-    while (gap->text)
-        ++gap;
-    std::move_backward(place, gap, gap + 1);
-    *place = entry;
-    ++count;
-}
+    Name const * Find(std::uint32_t key) const {
+        std::uint32_t const * const index =
+            byKey.Find(key, [this, key](std::uint32_t i) { return names[i].key == key; });
+        return index ? &names[*index] : nullptr;
+    }
+
+    std::uint32_t Add(Question const & question, _HMEMPOOL * pool) {
+        makeRoom();
+        char * const text = storeText(pool, question);
+        std::uint32_t key = NameHash(text, question.length);
+        while (Find(key))
+            ++key;
+        setLabel(text, {static_cast<std::uint32_t>(question.length), key});
+        byKey.Insert(key, static_cast<std::uint32_t>(names.size()));
+        byHash.Insert(question.hash, text);
+        names.push_back({text, key, question.hash});
+        return key;
+    }
+
+    template <class Visit>
+    void ForEach(Visit const & visit) const {
+        std::vector<Name> run;
+        byKey.ForEachRun([&](std::uint32_t const * first, std::uint32_t const * last) {
+            run.clear();
+            std::transform(first, last, std::back_inserter(run),
+                           [this](std::uint32_t i) { return names[i]; });
+            std::sort(run.begin(), run.end(), [](Name const & l, Name const & r) { return l.key < r.key; });
+            std::for_each(run.begin(), run.end(), visit);
+        });
+    }
+
+    std::vector<Name> names; // in the order of storing
+
+private:
+    // Takes all the memory that one more name needs, so that adding it either happens or changes nothing.
+    void makeRoom() {
+        if (names.size() == names.capacity())
+            grow();
+        byKey.MakeRoom();
+        byHash.MakeRoom();
+    }
+
+    void grow() {
+        SpreadTable<std::uint32_t> widerByKey(bits + 1);
+        SpreadTable<char const *> widerByHash(bits + 1);
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            widerByKey.MakeRoom();
+            widerByKey.Insert(names[i].key, static_cast<std::uint32_t>(i));
+            widerByHash.MakeRoom();
+            widerByHash.Insert(names[i].hash, names[i].text);
+        }
+        names.reserve((std::size_t{4} << (bits + 1)) / 5); // fuller tables have too long runs
+        byKey = std::move(widerByKey);
+        byHash = std::move(widerByHash);
+        ++bits;
+    }
+
+    unsigned int bits = 3;            // the tables have 2 to this power slots, as soon as there is a name
+    SpreadTable<std::uint32_t> byKey; // indices into names
+    SpreadTable<char const *> byHash;
+};
 
 Dictionary::Dictionary(bool caseSensitive) : Dictionary(nullptr, caseSensitive) {}
 
 Dictionary::Dictionary(_HMEMPOOL * pool, bool caseSensitive)
-    : caseSensitive(caseSensitive), pool(pool ? pool : MemPoolDefault()) {}
+    : entries(std::make_unique<Entries>()),
+      caseSensitive(caseSensitive),
+      pool(pool ? pool : MemPoolDefault()) {}
 
 Dictionary::~Dictionary() { Clear(); }
 
+// At process end it is emptied, but the object stays: static objects that came up before the first call go
+// after that, and one whose destructor still asks for a name must find a dictionary, if an empty one.
 Dictionary & Dictionary::Instance() {
-    static Dictionary * const dictionary = new Dictionary(false);
-    static struct End {
-        ~End() { dictionary->Clear(); }
-    } const end;
+    static Dictionary * const dictionary = [] {
+        std::atexit([] { Instance().Clear(); });
+        return new Dictionary(false);
+    }();
     return *dictionary;
 }
 
 Dictionary::Key Dictionary::GetKey(char const * text) {
     if (!text)
         return Key::INVALID;
-    if (caseSensitive)
-        return intern(text, std::strlen(text));
-    char folded[c_maxFolded + 1];
-    return intern(folded, fold(text, folded));
+    FoldBuffer buffer;
+    Question const question = ask(text, caseSensitive, buffer);
+    char const * const known = entries->Find(question);
+    return Key(known ? labelOf(known).key : entries->Add(question, pool));
 }
 
 bool Dictionary::FindKey(char const * text, Key & key) const {
     key = Key::INVALID;
     if (!text)
         return false;
-    if (caseSensitive)
-        return lookUp(text, std::strlen(text), key);
-    char folded[c_maxFolded + 1];
-    return lookUp(folded, fold(text, folded), key);
+    FoldBuffer buffer;
+    char const * const known = entries->Find(ask(text, caseSensitive, buffer));
+    if (!known)
+        return false;
+    key = Key(labelOf(known).key);
+    return true;
 }
 
 bool Dictionary::FindKey(std::uint32_t value, Key & key) const {
-    if (!findKey(value))
+    if (!entries->Find(value))
         return false;
     key = Key(value);
     return true;
 }
 
 char const * Dictionary::GetString(Key key) const {
-    Entry const * const entry = findKey(key.GetValue());
-    return entry ? entry->text : "";
+    Name const * const name = entries->Find(key.GetValue());
+    return name ? name->text : "";
 }
 
+// Back to front: the pool hands its last block out first, so the next names lie in memory one behind the
+// other.
 void Dictionary::Clear() {
-    for (Entry const & entry : entries.slots)
-        if (entry.text)
-            MemPoolFree(pool, const_cast<char *>(entry.text));
-    entries = Table();
-    index = Table();
+    std::for_each(entries->names.rbegin(), entries->names.rend(),
+                  [this](Name const & name) { freeText(pool, name.text); });
+    *entries = Entries();
 }
 
 void Dictionary::EditLock() { ++editLock; }
 
 void Dictionary::EditUnlock() { --editLock; }
 
-bool Dictionary::lookUp(char const * text, std::size_t length, Key & key) const {
-    Entry const * const entry = find(text, length, tagOf(text, length));
-    if (!entry)
-        return false;
-    key = Key(entry->other);
-    return true;
-}
-
-Dictionary::Entry const * Dictionary::find(char const * text, std::size_t length, std::uint32_t tag) const {
-    Entry const * entry = index.LowerBound(tag);
-    if (!entry)
-        return nullptr;
-    for (; entry->order == tag && entry->text; ++entry)
-        if (sameText(entry->text, text, length))
-            return entry;
-    return nullptr;
-}
-
-Dictionary::Entry const * Dictionary::findKey(std::uint32_t value) const {
-    Entry const * const entry = entries.LowerBound(value);
-    return entry && entry->order == value && entry->text ? entry : nullptr;
-}
-
-Dictionary::Key Dictionary::intern(char const * text, std::size_t length) {
-    std::uint32_t const tag = tagOf(text, length);
-    if (Entry const * const entry = find(text, length, tag))
-        return Key(entry->other);
-    std::uint32_t value = NameHash(text, length);
-    while (findKey(value))
-        ++value;
-    entries.MakeRoom();
-    index.MakeRoom();
-    char * const copy = static_cast<char *>(MemPoolAlloc(pool, static_cast<unsigned int>(length + 2)));
-    std::memcpy(copy, text, length + 1);
-    entries.Insert({value, tag, copy});
-    index.Insert({tag, value, copy});
-    return Key(value);
+void Dictionary::walk(Visitor visitor, void * context) const {
+    entries->ForEach([=](Name const & name) { visitor(context, Key(name.key), name.text); });
 }

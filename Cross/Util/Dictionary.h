@@ -11,10 +11,9 @@
 #include "Cross/engine/core/Export.h"
 #include "Cross/engine/memory/MemPool.h"
 
-#include <cstddef>
 #include <cstdint>
-#include <utility>
-#include <vector>
+#include <memory>
+#include <type_traits>
 
 class CROSS_UTIL_API Dictionary {
 public:
@@ -53,8 +52,8 @@ public:
     ~Dictionary();
 
     // The dictionary of the process, not case-sensitive and on the default pool. It comes up at the first
-    // call and is emptied for good at process end, where static objects of libutil go; a static object that
-    // outlives that still finds it, without the names of before.
+    // call. At process end it gives back what it holds, but the object stays: a static object that goes after
+    // that and still asks for a name finds the dictionary empty.
     static Dictionary & Instance();
 
     // The key of the text, which is stored if it is new. Null gives INVALID and stores nothing.
@@ -84,47 +83,20 @@ public:
     // dictionary nor clear it.
     template <class Visit>
     void ForEach(Visit && visit) const {
-        for (Entry const & entry : entries.slots)
-            if (entry.text)
-                visit(Key(entry.order), entry.text);
+        Visitor const visitor = [](void * context, Key key, char const * text) {
+            (*static_cast<std::remove_reference_t<Visit> *>(context))(key, text);
+        };
+        walk(visitor, const_cast<void *>(static_cast<void const *>(std::addressof(visit))));
     }
 
 private:
-    // One text in one of the two tables. Both hold every text: `entries` by key, with the text's tag beside it,
-    // `index` by tag, with the key beside it.
-    struct Entry {
-        std::uint32_t order; // what the table is sorted by; 0xFFFFFFFF in a gap
-        std::uint32_t other;
-        char const * text; // null in a gap
-    };
+    using Visitor = void (*)(void * context, Key key, char const * text);
+    struct Entries;
 
-    // Entries in ascending order, spread out with gaps between them: an entry belongs at the slot that its
-    // order has in proportion to all 32-bit numbers, or behind its neighbours where that one is taken. Orders
-    // are hashes, so they fill the table evenly: an entry is found a step or two from where it belongs, an
-    // insert moves a few neighbours into the next gap, and growing is one pass from front to back.
-    struct Table {
-        std::vector<Entry> slots; // ends in a gap as soon as there are any
-        std::size_t spread = 0;   // number of slots that orders belong at; overflow stands behind them
-        std::size_t count = 0;    // entries
+    void walk(Visitor visitor, void * context) const;
 
-        // Where the entries of `order` start, or where one has to go: the first slot at or behind its own that
-        // does not hold a lower order. Null while there are no slots.
-        Entry const * LowerBound(std::uint32_t order) const;
-
-        // Sees to it that the next Insert needs no memory.
-        void MakeRoom();
-        void Insert(Entry const & entry);
-        void Grow();
-    };
-
-    Entry const * find(char const * text, std::size_t length, std::uint32_t tag) const;
-    Entry const * findKey(std::uint32_t value) const;
-    Key intern(char const * text, std::size_t length);
-    bool lookUp(char const * text, std::size_t length, Key & key) const;
-
-    Table entries;
-    Table index;
+    std::unique_ptr<Entries> const entries;
     std::int32_t editLock = 0;
-    bool caseSensitive;
-    _HMEMPOOL * pool;
+    bool const caseSensitive;
+    _HMEMPOOL * const pool;
 };

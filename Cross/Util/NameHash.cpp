@@ -26,19 +26,38 @@ struct State {
     }
 };
 
-std::uint32_t byteAt(char const * text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
+std::uint64_t byteAt(char const * text, std::size_t i) { return static_cast<unsigned char>(text[i]); }
 
-// Compilers make a single load of it where the machine's byte order allows.
+// Little-endian words. Compilers make a single load of them where the machine's byte order allows.
 std::uint32_t wordAt(char const * text, std::size_t i) {
-    return byteAt(text, i) | byteAt(text, i + 1) << 8 | byteAt(text, i + 2) << 16 | byteAt(text, i + 3) << 24;
+    return static_cast<std::uint32_t>(byteAt(text, i) | byteAt(text, i + 1) << 8 | byteAt(text, i + 2) << 16 |
+                                      byteAt(text, i + 3) << 24);
 }
 
-// The first `count` bytes, at most 4, as the low bytes of a word.
-std::uint32_t partOfWord(char const * text, std::size_t count) {
-    std::uint32_t word = 0;
-    for (std::size_t i = 0; i < count; ++i)
-        word |= byteAt(text, i) << (8 * i);
-    return word;
+std::uint64_t doubleWordAt(char const * text, std::size_t i) {
+    return wordAt(text, i) | static_cast<std::uint64_t>(wordAt(text, i + 4)) << 32;
+}
+
+// The last bytes of a text, less than twelve of them, as one little-endian number.
+struct Tail {
+    std::uint64_t low = 0;  // the first eight
+    std::uint32_t high = 0; // what is behind them
+};
+
+// Parts of a text may be read twice here, since bytes that meet themselves stay what they are under "or".
+Tail tailOf(char const * text, std::size_t length) {
+    if (length >= 8)
+        return {doubleWordAt(text, 0),
+                static_cast<std::uint32_t>(static_cast<std::uint64_t>(wordAt(text, length - 4)) >>
+                                           8 * (12 - length))};
+    if (length >= 4)
+        return {wordAt(text, 0) | static_cast<std::uint64_t>(wordAt(text, length - 4)) << 8 * (length - 4),
+                0};
+    if (length > 0)
+        return {byteAt(text, 0) | byteAt(text, length / 2) << 8 * (length / 2) |
+                    byteAt(text, length - 1) << 8 * (length - 1),
+                0};
+    return {};
 }
 
 } // namespace
@@ -52,17 +71,17 @@ std::uint32_t NameHash(char const * text, std::size_t length) {
         state.c += wordAt(text, 8);
         state.Mix();
     }
-    state.c += static_cast<std::uint32_t>(length);
-    state.a += partOfWord(text, rest < 4 ? rest : 4);
-    if (rest > 4)
-        state.b += partOfWord(text + 4, rest < 8 ? rest - 4 : 4);
-    if (rest > 8)
-        state.c += partOfWord(text + 8, rest - 8) << 8; // the low byte belongs to the length
+    Tail const tail = tailOf(text, rest);
+    state.a += static_cast<std::uint32_t>(tail.low);
+    state.b += static_cast<std::uint32_t>(tail.low >> 32);
+    state.c += static_cast<std::uint32_t>(length) + (tail.high << 8); // the low byte belongs to the length
     state.Mix();
     return state.c;
 }
 
-std::uint32_t NameHash(char const * text) { return text ? NameHash(text, std::strlen(text)) : NameHash("", 0); }
+std::uint32_t NameHash(char const * text) {
+    return text ? NameHash(text, std::strlen(text)) : NameHash("", 0);
+}
 
 std::uint32_t NameHashLower(char const * text) {
     char lowered[c_maxLowered];
