@@ -115,7 +115,12 @@ void LogFile::printf(char const * format, ...) {
         return;
     std::va_list arguments;
     va_start(arguments, format);
-    text::VPrintf(scratch, format, arguments);
+    // The buffer keeps the size of the longest line so far, so most lines fit at once.
+    std::size_t const length = text::VPrintfCut(scratch.data(), scratch.size() + 1, format, arguments);
+    if (length > scratch.size()) {
+        scratch.resize(length);
+        text::VPrintfCut(scratch.data(), length + 1, format, arguments);
+    }
     va_end(arguments);
     WriteString(scratch.c_str());
 }

@@ -40,7 +40,8 @@ public:
 
     bool IsOpened() const;
 
-    // Writes a text of any length; nothing while the log is closed. Null counts as "".
+    // Writes a text of any length; nothing while the log is closed. A null text counts as "". Formatting
+    // allocates only for a line that is longer than all before.
     void printf(char const * format, ...) CROSS_PRINTF_FORMAT(2, 3);
     void puts(char const * text);
 
@@ -57,7 +58,7 @@ private:
     void WriteString(char const * text);
 
     ByteStreamProxy stream; // empty when closed
-    std::string scratch;    // keeps its room between calls of printf
+    std::string scratch;    // for printf, as long as the longest line so far
     int crashFile = -1;     // handle in the crash report, -1 for none
     bool keepCrashFile = false;
     bool appendLineEnd = true;

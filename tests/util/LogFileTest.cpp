@@ -4,13 +4,14 @@
 #include "Cross/engine/diagnostics/CrashFiles.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/platform/Time.h"
+#include "tests/support/HeapLimit.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
+#include <map>
+#include <set>
 #include <string>
-#include <vector>
 
 namespace {
 
@@ -23,16 +24,12 @@ std::string startStamp() {
     return stamp;
 }
 
-struct CrashFile {
-    int handle;
-    std::string path;
-};
-
-std::vector<CrashFile> crashFiles() {
-    std::vector<CrashFile> files;
+// Real paths of the crash report, by handle.
+std::map<int, std::string> crashFiles() {
+    std::map<int, std::string> files;
     dbCrashVisitFiles(
         [](int handle, char const * path, void * context) {
-            static_cast<std::vector<CrashFile> *>(context)->push_back({handle, path});
+            static_cast<std::map<int, std::string> *>(context)->emplace(handle, path);
         },
         &files);
     return files;
@@ -40,27 +37,33 @@ std::vector<CrashFile> crashFiles() {
 
 class LogFileTest : public testing::Test {
 protected:
+    using Names = std::set<std::string>;
+
     LogFileTest() { FilePath::SetAlias("log", folder.Path().c_str()); }
 
-    ~LogFileTest() override { FilePath::RemoveAlias("log"); }
-
-    // Names of the files in the log folder, in order, one blank between.
-    std::string Files() const {
-        std::vector<std::string> names;
-        for (auto const & entry : std::filesystem::directory_iterator(folder.Path()))
-            names.push_back(entry.path().filename().string());
-        std::sort(names.begin(), names.end());
-        std::string all;
-        for (std::string const & name : names)
-            all += (all.empty() ? "" : " ") + name;
-        return all;
+    ~LogFileTest() override {
+        FilePath::RemoveAlias("log");
+        for (auto const & [handle, path] : crashFiles())
+            dbCrashRemoveCrashFile(handle);
     }
 
-    // Whether the crash report includes a file of the log folder.
-    bool IsReported(std::string const & name) const {
-        std::vector<CrashFile> const files = crashFiles();
-        return std::any_of(files.begin(), files.end(),
-                           [&](CrashFile const & file) { return file.path == folder / name; });
+    // Names of the files in the log folder.
+    Names Files() const {
+        Names names;
+        for (auto const & entry : std::filesystem::directory_iterator(folder.Path()))
+            names.insert(entry.path().filename().string());
+        return names;
+    }
+
+    // Names of the files in the crash report, all of which are in the log folder.
+    Names Reported() const {
+        Names names;
+        for (auto const & [handle, path] : crashFiles()) {
+            std::string const name = std::filesystem::path(path).filename().string();
+            EXPECT_EQ(path, folder / name);
+            names.insert(name);
+        }
+        return names;
     }
 
     TemporaryFolder folder;
@@ -74,6 +77,7 @@ TEST_F(LogFileTest, NamesCarryTheStartOfTheProgram) {
         std::string want;
     };
 
+    std::string const tooLong(300, 'X');
     Case const cases[] = {
         // the extension comes with or without its point, and keeps its case
         {"frame", ".txt", "log:frame." + stamp + ".txt"},
@@ -84,65 +88,48 @@ TEST_F(LogFileTest, NamesCarryTheStartOfTheProgram) {
         {"log:../A\\b?", ".txt", "log:log_.._a_b_." + stamp + ".txt"},
         {"100%s%n", ".txt", "log:100%s%n." + stamp + ".txt"},
         {nullptr, ".txt", "log:." + stamp + ".txt"},
+        // too long a name loses its end, too long an extension spoils all
+        {tooLong.c_str(), ".txt", "log:" + std::string(200, 'x') + ".txt"},
+        {"frame", tooLong.c_str(), ""},
     };
+    Plat::Time::ClockSource later; // the time at which a log is made does not matter
+    later.now = [](void *, Plat::Time::SystemTime & time) { time = {2999, 12, 31, 2, 23, 59, 59}; };
+    Plat::Time::ClockSource const real = Plat::Time::SetClockSource(later);
     for (Case const & c : cases) {
         char filename[c_maxPath] = "left over";
         LogFile::MakeFilename(filename, c.name, c.extension);
         EXPECT_EQ(filename, c.want);
     }
+    Plat::Time::SetClockSource(real);
 
     char inPlace[c_maxPath] = "Frame";
     LogFile::MakeFilename(inPlace);
     EXPECT_EQ(inPlace, "log:frame." + stamp + ".txt");
-
-    char tooLong[c_maxPath] = "left over";
-    LogFile::MakeFilename(tooLong, "frame", std::string(300, 'x').c_str());
-    EXPECT_STREQ(tooLong, "");
-    EXPECT_FALSE(LogFile().Create("frame", std::string(300, 'x').c_str(), true, false));
-    EXPECT_EQ(Files(), "");
+    EXPECT_FALSE(LogFile().Create("frame", tooLong.c_str(), true, false));
+    EXPECT_EQ(Files(), Names());
 }
 
-TEST_F(LogFileTest, CreateGivesTenFilesOfOneStampAndNoMore) {
-    // byte order puts the nine numbers in front of the bare extension
-    std::string expected = "x." + stamp + ".txt";
+TEST_F(LogFileTest, CreateGivesTenFilesOfOneStampAndTouchesNoEarlierOne) {
+    // whatever stands under a name takes its place among the ten, in any case of letters
+    std::filesystem::create_directory(folder.Path() / ("x." + stamp + ".3.txt"));
+    folder.WriteFile("X." + stamp + ".5.TXT", "older");
+    Names files = Files();
     LogFile log;
-    for (int i = 0; i < 10; ++i) {
+    for (std::string const number : {"", ".1", ".2", ".4", ".6", ".7", ".8", ".9"}) {
         ASSERT_TRUE(log.Create("X", ".txt", true, false));
-        log.printf("file %d", i);
-        EXPECT_EQ(Files(), expected);
-        expected.insert(expected.size() - std::string("x." + stamp + ".txt").size(),
-                        "x." + stamp + "." + std::to_string(i + 1) + ".txt ");
+        log.printf("file%s", number.c_str());
+        files.insert("x." + stamp + number + ".txt");
+        EXPECT_EQ(Files(), files);
     }
     EXPECT_FALSE(log.Create("x", ".txt", true, false));
     EXPECT_FALSE(log.IsOpened());
-    EXPECT_EQ(folder.CountEntries(), 10u);
-    EXPECT_EQ(folder.ReadFile("x." + stamp + ".txt"), "file 0\n");
-    EXPECT_EQ(folder.ReadFile("x." + stamp + ".9.txt"), "file 9\n");
+    EXPECT_EQ(Files(), files);
+    EXPECT_EQ(folder.ReadFile("x." + stamp + ".txt"), "file\n");
+    EXPECT_EQ(folder.ReadFile("x." + stamp + ".9.txt"), "file.9\n");
+    EXPECT_EQ(folder.ReadFile("X." + stamp + ".5.TXT"), "older");
 
-    EXPECT_TRUE(log.Create("x", ".log", true, false));
+    EXPECT_TRUE(log.Create("x", "", true, false));
     EXPECT_TRUE(log.Create("y", ".txt", true, false));
-}
-
-TEST_F(LogFileTest, CreateSkipsWhateverStandsUnderTheName) {
-    std::filesystem::create_directory(folder.Path() / ("x." + stamp + ".txt"));
-    folder.WriteFile("X." + stamp + ".1.TXT", "older"); // found with case ignored
-    LogFile log;
-    ASSERT_TRUE(log.Create("x", ".txt", true, false));
-    log.puts("new");
-    EXPECT_EQ(folder.ReadFile("x." + stamp + ".2.txt"), "new\n");
-    EXPECT_EQ(folder.ReadFile("X." + stamp + ".1.TXT"), "older");
-}
-
-TEST_F(LogFileTest, WithoutAFolderToWriteToNothingOpens) {
-    folder.WriteFile("file", "");
-    FilePath::SetAlias("log", (folder / "file").c_str());
-    LogFile log;
-    EXPECT_FALSE(log.Create("x", ".txt", true, false));
-    EXPECT_FALSE(log.CreateWithName("x", true, false));
-    FilePath::RemoveAlias("log");
-    EXPECT_FALSE(log.Create("x", ".txt", true, false));
-    EXPECT_FALSE(log.IsOpened());
-    EXPECT_TRUE(crashFiles().empty());
 }
 
 TEST_F(LogFileTest, EmptyNamesLeaveAnOpenLogAlone) {
@@ -156,8 +143,8 @@ TEST_F(LogFileTest, EmptyNamesLeaveAnOpenLogAlone) {
     log.puts("a");
     log.puts("b");
     EXPECT_EQ(folder.ReadFile("kept.txt"), "ab");
-    EXPECT_EQ(Files(), "kept.txt");
-    EXPECT_TRUE(IsReported("kept.txt"));
+    EXPECT_EQ(Files(), Names{"kept.txt"});
+    EXPECT_EQ(Reported(), Names{"kept.txt"});
 }
 
 TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
@@ -174,6 +161,7 @@ TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
     std::string const longest(c_maxPath - 1 - std::string("log:.txt").size(), 'n');
     Case const cases[] = {
         {"abc", folder, "abc.txt"},
+        {"abc", folder, "abc.txt"}, // in place of what the first one wrote
         {"abc.log", folder, "abc.log"},
         {"log:def", folder, "def.txt"},
         {"sub/folder.d/abc", folder, "sub/folder.d/abc.txt"},
@@ -181,32 +169,36 @@ TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
         // opens, but its real path is longer than the crash report takes
         {longest, folder, longest + ".txt", false},
     };
+    LogFile log;
     for (Case const & c : cases) {
-        LogFile log;
         ASSERT_TRUE(log.CreateWithName(c.name.c_str(), true, false)) << c.name;
         log.puts("here");
         EXPECT_EQ(c.where.ReadFile(c.file), "here\n") << c.name;
         EXPECT_EQ(crashFiles().size(), c.reported ? 1u : 0u) << c.name;
     }
 
-    LogFile log;
-    ASSERT_TRUE(log.CreateWithName("abc", true, false));
-    log.puts("new");
-    EXPECT_EQ(folder.ReadFile("abc.txt"), "new\n");
-    // a name that does not fit is not cut to that of another file
-    for (std::string const & tooLong : {longest + "n", "log:" + longest + "n.txt", std::string(400, 'n')})
-        EXPECT_FALSE(log.CreateWithName(tooLong.c_str(), true, false)) << tooLong;
-    EXPECT_FALSE(log.IsOpened());
-    EXPECT_FALSE(log.CreateWithName("nowhere:abc", true, false));
-    EXPECT_FALSE(log.CreateWithName("../abc", true, false));
+    std::string const refused[] = {
+        // no room for the extension, for the alias, or for the name itself: none is cut to another file's
+        longest + "n", "./" + longest.substr(1) + ".txt", "log:" + longest + "n.txt", "nowhere:abc", "../abc",
+    };
+    for (std::string const & name : refused) {
+        EXPECT_FALSE(log.CreateWithName(name.c_str(), true, false)) << name;
+        EXPECT_FALSE(log.IsOpened());
+    }
     FilePath::RemoveAlias("elsewhere");
+
+    // no name helps without a folder to write to
+    FilePath::SetAlias("log", (folder / "abc.txt").c_str());
+    EXPECT_FALSE(log.CreateWithName("x", true, false));
+    EXPECT_FALSE(log.Create("x", ".txt", true, false));
+    FilePath::RemoveAlias("log");
+    EXPECT_FALSE(log.Create("x", ".txt", true, false));
+    EXPECT_FALSE(log.IsOpened());
+    EXPECT_EQ(Reported(), Names());
 }
 
 TEST_F(LogFileTest, EachWriteIsInTheFileWhenItReturns) {
     LogFile log;
-    log.puts("dropped");
-    log.printf("dropped %d", 1);
-
     ASSERT_TRUE(log.CreateWithName("lines", true, false));
     log.puts("a");
     EXPECT_EQ(folder.ReadFile("lines.txt"), "a\n");
@@ -215,45 +207,44 @@ TEST_F(LogFileTest, EachWriteIsInTheFileWhenItReturns) {
     log.printf("%s=%.2f", "b", 0.5);
     EXPECT_EQ(folder.ReadFile("lines.txt"), "a\n100%s\n\n\nb=0.50\n");
 
-    std::string const longText(100000, 'l');
-    log.printf("<%s>", longText.c_str());
-    log.printf("%s", "short again");
-    EXPECT_EQ(folder.ReadFile("lines.txt"), "a\n100%s\n\n\nb=0.50\n<" + longText + ">\nshort again\n");
-
     ASSERT_TRUE(log.CreateWithName("pieces", false, false));
+    std::string const longText(100000, 'l');
     log.puts("a");
-    log.printf("%c", 'b');
-    EXPECT_EQ(folder.ReadFile("pieces.txt"), "ab");
+    log.printf("<%s>", longText.c_str());
+    {
+        HeapLimit const noHeap(0); // lines up to the longest so far do not allocate
+        log.printf("%s.", longText.c_str());
+        log.printf("%c", 'b');
+    }
+    std::string const written = "a<" + longText + ">" + longText + ".b";
+    EXPECT_EQ(folder.ReadFile("pieces.txt"), written);
 
     log.Close();
     log.Close();
     log.puts("dropped");
     log.printf("dropped %d", 2);
-    EXPECT_EQ(folder.ReadFile("pieces.txt"), "ab");
+    EXPECT_EQ(folder.ReadFile("pieces.txt"), written);
+    HeapLimit const noHeap(0);
+    LogFile().printf("%s", longText.c_str()); // not even formatted
 }
 
 TEST_F(LogFileTest, AnOpenLogBelongsToTheCrashReport) {
     LogFile log;
     ASSERT_TRUE(log.Create("x", ".txt", true, false));
-    std::string const first = "x." + stamp + ".txt";
-    EXPECT_TRUE(IsReported(first));
+    EXPECT_EQ(Reported(), Names{"x." + stamp + ".txt"});
     ASSERT_TRUE(log.CreateWithName("second", true, false));
-    EXPECT_FALSE(IsReported(first));
-    EXPECT_TRUE(IsReported("second.txt"));
+    EXPECT_EQ(Reported(), Names{"second.txt"});
     EXPECT_FALSE(log.CreateWithName("nowhere:third", true, false));
-    EXPECT_TRUE(crashFiles().empty());
+    EXPECT_EQ(Reported(), Names());
 
     {
         LogFile kept;
         ASSERT_TRUE(kept.CreateWithName("kept", true, true));
         kept.Close();
-        EXPECT_TRUE(IsReported("kept.txt"));
-        // the flag of the earlier file does not carry over
-        ASSERT_TRUE(kept.CreateWithName("gone", true, false));
+        ASSERT_TRUE(kept.Create("kept", ".txt", true, true));
+        ASSERT_TRUE(kept.CreateWithName("gone", true, false)); // the flag of the earlier file does not stay
     }
-    EXPECT_FALSE(IsReported("gone.txt"));
-    ASSERT_EQ(crashFiles().size(), 1u);
-    dbCrashRemoveCrashFile(crashFiles()[0].handle);
+    EXPECT_EQ(Reported(), (Names{"kept.txt", "kept." + stamp + ".txt"}));
 }
 
 TEST_F(LogFileTest, CopyingMovesTheOpenFile) {
@@ -265,28 +256,26 @@ TEST_F(LogFileTest, CopyingMovesTheOpenFile) {
     EXPECT_FALSE(source.IsOpened());
     source.puts("dropped");
     source.Close();
-    EXPECT_TRUE(IsReported("moved.txt")); // only the target reports
+    EXPECT_EQ(Reported(), Names{"moved.txt"}); // only the target reports
     ASSERT_TRUE(copy.IsOpened());
     copy.puts("2"); // and still without line ends
 
     LogFile target;
     ASSERT_TRUE(target.CreateWithName("closed", true, false));
     target = copy;
-    EXPECT_FALSE(IsReported("closed.txt"));
+    EXPECT_EQ(Reported(), Names{"moved.txt"});
     LogFile & self = target;
     target = self;
     target.puts("3");
     EXPECT_EQ(folder.ReadFile("moved.txt"), "123");
-
     target = LogFile();
     EXPECT_FALSE(target.IsOpened());
-    EXPECT_TRUE(crashFiles().empty());
+    EXPECT_EQ(Reported(), Names());
 
     ASSERT_TRUE(source.CreateWithName("kept", true, true));
-    target = source;
+    target = LogFile(source);
     target.Close();
-    ASSERT_EQ(crashFiles().size(), 1u);
-    dbCrashRemoveCrashFile(crashFiles()[0].handle);
+    EXPECT_EQ(Reported(), Names{"kept.txt"});
 }
 
 } // namespace
