@@ -6,7 +6,7 @@
 //
 // The reads work on a current table, which TablePush and TablePop move. Each read has a form that takes a
 // name and one that takes a key. Keys come from GetAt of the same object: what a key is differs between the
-// readers, and so does what the key forms convert.
+// readers, and so does what the key forms convert. A null name counts as "".
 //
 // Reads give false when there is no such value or it is of another kind. Numbers, and the flag of the key
 // form of GetBool, are then left as they were; the flag of the name form becomes false wherever there is any
@@ -29,6 +29,8 @@ public:
     explicit AttributesInterface(char const * debugName);
     AttributesInterface(AttributesInterface const &) = default;
     AttributesInterface & operator=(AttributesInterface const &) = default;
+
+    // The virtual functions are called by position: their order stays.
     virtual ~AttributesInterface();
 
     // True for a number, flag or text; a table is no attribute.

@@ -34,7 +34,6 @@ protected:
         creator.SetNumber("nan", std::nanf(""));
         creator.SetNumber("debt", -1.9f);
         creator.SetNumber("count", 7);
-        creator.SetNumber("nothing", 0);
         creator.SetBool("on", true);
         creator.SetBool("off", false);
         creator.SetString("tag", "12");
@@ -45,11 +44,10 @@ protected:
         creator.SetNumber("depth", 2);
         BinaryConfigIO::CreateBinaryConfig(creator, table, c_native);
 
-        EXPECT_TRUE(
-            script.RunString("half = 0.5 zero = 0 nan = 0/0 debt = -1.9 count = 7 nothing = 0 on = true "
-                             "off = false tag = '12' title = '\xC3\xA9t\xC3\xA9' "
-                             "sub = { depth = 1, inner = { depth = 2 } }",
-                             false));
+        EXPECT_TRUE(script.RunString("half = 0.5 zero = 0 nan = 0/0 debt = -1.9 count = 7 on = true "
+                                     "off = false tag = '12' title = '\xC3\xA9t\xC3\xA9' "
+                                     "sub = { depth = 1, inner = { depth = 2 } }",
+                                     false));
     }
 
     BinaryConfig table;
@@ -121,7 +119,6 @@ TEST_F(AttributesTest, OneReadingCodeOverAllReaders) {
         {"debt", "attribute int -1 float -1.9 bool 1", "attribute float -1.9", "attribute int -1 float -1.9"},
         // an integer reads as nothing else; numbers of scripts are all alike
         {"count", "attribute int 7", "attribute int 7", "attribute int 7 float 7"},
-        {"nothing", "attribute int 0", "attribute int 0", "attribute int 0 float 0"},
         {"on", "attribute bool 1", "attribute bool 1", "attribute bool 1"},
         {"off", "attribute bool 0", "attribute bool 0", "attribute bool 0"},
         // texts are never numbers; a script has one kind of text, a binary table has two
@@ -183,12 +180,8 @@ TEST_F(AttributesTest, NumbersCutTheirFractionAndSaturate) {
 
     double const infinity = std::numeric_limits<double>::infinity();
     Case const cases[] = {
-        {-0.99, 0, 0},
-        {-1.9, -1, -1},
         {2147483520.0, 2147483520, 2147483520}, // the last float below 2^31
-        {2147483647.5, c_intMax, c_intMax},
         {2147483648.0, c_intMax, c_intMax},
-        {-2147483648.0, c_intMin, c_intMin},
         {-2147483648.9, c_intMin, c_intMin},
         {infinity, c_intMax, c_intMax},
         {-infinity, c_intMin, c_intMin},
@@ -222,15 +215,18 @@ TEST_F(AttributesTest, RangeReadsClamp) {
         float min, max, want;
     };
 
+    float const infinity = std::numeric_limits<float>::infinity();
+    float const nan = std::nanf("");
     Case const cases[] = {
         {"debt", 0, 10, 0},
         {"half", 0, 10, 0.5f},
         {"half", 0.5f, 0.5f, 0.5f},
-        {"half", 0.75f, 1, 0.75f},
         {"half", -1, 0.25f, 0.25f},
+        {"half", -infinity, infinity, 0.5f},
         // bounds the wrong way round: the lower one is tested first and decides
         {"half", 10, -10, 10},
-        {"half", 0, -10, -10},
+        // what is no number bounds nothing
+        {"half", nan, nan, 0.5f},
     };
     for (AttributesInterface * reader : filled) {
         float value = 0.0f;
@@ -329,7 +325,9 @@ int sumDepths(AttributesInterface & reader) {
 TEST_F(AttributesTest, TheCursorWalksInAndOut) {
     WarningCapture warnings(FourCC("PBGM"));
     for (AttributesInterface * reader : filled) {
-        EXPECT_EQ(reader->GetCount(), 11u);
+        reader->TablePop(); // there is nothing to leave yet
+        reader->TableRootPop();
+        EXPECT_EQ(reader->GetCount(), 10u);
         EXPECT_EQ(sumDepths(*reader), 3);
         reader->TablePush("sub");
         reader->TablePush("inner");
@@ -345,7 +343,7 @@ TEST_F(AttributesTest, TheCursorWalksInAndOut) {
         reader->TablePop();
         EXPECT_EQ(depthOf(*reader), 1);
         reader->TablePop();
-        EXPECT_EQ(reader->GetCount(), 11u);
+        EXPECT_EQ(reader->GetCount(), 10u);
     }
     empty.TablePush("sub"); // does nothing, not even warn
     EXPECT_EQ(empty.GetCount(), 0u);
@@ -354,10 +352,10 @@ TEST_F(AttributesTest, TheCursorWalksInAndOut) {
 }
 
 TEST_F(AttributesTest, AMissingTableIsWarnedOfByNameAndEnteredAllTheSame) {
+    char const * const noName = nullptr;
     std::string const longName(300, 'n');
     AttributesBinary longNamed(table, longName.c_str());
     WarningCapture warnings(0x5042474D);
-    std::vector<std::string> expected;
     auto const pushAndPop = [](AttributesInterface & reader, auto const & which) {
         unsigned int const count = reader.GetCount();
         reader.TablePush(which);
@@ -366,25 +364,24 @@ TEST_F(AttributesTest, AMissingTableIsWarnedOfByNameAndEnteredAllTheSame) {
         reader.TablePop();
         EXPECT_EQ(reader.GetCount(), count);
     };
-
-    pushAndPop(binary, "missing");
-    expected.push_back("TablePush(\"missing\") called on non-existant table in file \"level.table\"");
+    pushAndPop(binary, noName);
     pushAndPop(binary, "half");
-    expected.push_back("TablePush(\"half\") called on non-existant table in file \"level.table\"");
-    pushAndPop(longNamed, "%s%n");
-    expected.push_back("TablePush(\"%s%n\") called on non-existant table in file \"" +
-                       longName.substr(0, 256) + "\"");
     pushAndPop(binary, NameHash("missing")); // a key has no name to tell
-    EXPECT_EQ(warnings.texts, expected);
-
+    pushAndPop(longNamed, "%s%n");
     // in a script it is the script's name that tells, and the key finds the name
     pushAndPop(lua, "half");
-    expected.push_back("TablePush(\"half\") called on non-existant table in file \"level.lua\"");
     pushAndPop(lua, scriptKey(script, "tag"));
-    expected.push_back("TablePush(\"tag\") called on non-existant table in file \"level.lua\"");
-    lua.TablePush("missing");
+    lua.TablePush(noName);
     lua.TablePop();
-    expected.push_back("TablePush(\"missing\") called on non-existant table in file \"level.lua\"");
+
+    std::vector<std::string> const expected = {
+        "TablePush(\"\") called on non-existant table in file \"level.table\"",
+        "TablePush(\"half\") called on non-existant table in file \"level.table\"",
+        "TablePush(\"%s%n\") called on non-existant table in file \"" + longName.substr(0, 256) + "\"",
+        "TablePush(\"half\") called on non-existant table in file \"level.lua\"",
+        "TablePush(\"tag\") called on non-existant table in file \"level.lua\"",
+        "TablePush(\"\") called on non-existant table in file \"level.lua\"",
+    };
     EXPECT_EQ(warnings.texts, expected);
 }
 
@@ -413,7 +410,7 @@ TEST_F(AttributesTest, AScriptPopsNoMoreThanWasPushed) {
     EXPECT_EQ(depthOf(lua), 1);
 
     copy.TablePop();
-    EXPECT_EQ(lua.GetCount(), 11u);
+    EXPECT_EQ(lua.GetCount(), 10u);
 }
 
 TEST_F(AttributesTest, ScriptNamesAreFoundByKeyUpToTheirLimit) {
@@ -433,16 +430,11 @@ TEST_F(AttributesTest, ScriptNamesAreFoundByKeyUpToTheirLimit) {
 
 TEST_F(AttributesTest, TheRunningCRC) {
     // published values of CRC-32 over "1234" and "12345678"
-    AttributesEmpty digits("");
-    EXPECT_EQ(digits.GetCRC(), 0u);
-    digits.AddCRCVal(0x34333231);
-    EXPECT_EQ(digits.GetCRC(), 0x9BE3E0A3u);
-    digits.AddCRCVal(0x38373635);
-    EXPECT_EQ(digits.GetCRC(), 0x9AE0DAAFu);
-
     EXPECT_EQ(lua.GetCRC(), 0u);
     lua.AddCRCVal(0x34333231);
     EXPECT_EQ(lua.GetCRC(), 0x9BE3E0A3u);
+    lua.AddCRCVal(0x38373635);
+    EXPECT_EQ(lua.GetCRC(), 0x9AE0DAAFu);
 
     // a binary reader starts with the identity of its table; reading adds nothing
     AttributesEmpty identity("");
@@ -472,7 +464,7 @@ TEST_F(AttributesTest, CopiesTakeNameAndCRCAndShareTheCursor) {
     AttributesBinary other(blank, "blank");
     other = binary;
     EXPECT_EQ(depthOf(other), 0);
-    EXPECT_EQ(other.GetCount(), 11u);
+    EXPECT_EQ(other.GetCount(), 10u);
     EXPECT_STREQ(other.GetDebugName(), "level.table");
 
     EXPECT_STREQ(AttributesEmpty(nullptr).GetDebugName(), "");
