@@ -39,8 +39,9 @@ public:
         virtual void OnFileOpen(char16_t const * path, char const * first, char const * second) = 0;
     };
 
-    // Maps an alias to a real directory, which need not exist yet; replaces an earlier mapping. False for an
-    // empty alias or one with a slash or ':' in it, and for an empty directory.
+    // Maps an alias to a real directory, which need not exist yet; replaces an earlier mapping. A relative
+    // directory is taken from the current one, now. False for an empty alias or one with a slash or ':' in
+    // it, and for an empty directory.
     static bool SetAlias(char const * alias, char const * realDirectory);
 
     // False when there is no such alias.
@@ -52,9 +53,9 @@ public:
     // What stands at a path; FT_NONE also for whatever is neither a regular file nor a directory.
     static FILE_Type GetFileType(char const * path);
 
-    // Rewrites an aliased path in place into the real one, as a buffer of 260 characters; a path without
-    // alias stays as it is. False, with the path unchanged, when it cannot be converted or does not fit.
-    // `unused` is not read.
+    // Rewrites an aliased path in place into the real one, in a buffer of 260 characters; a path without
+    // alias stays as it is. What does not exist keeps its spelling. False, with the path unchanged, when it
+    // cannot be converted or does not fit. `mode` and `unused` are not read.
     static bool ConvertFromAlias(char * path, StreamMode mode, char const * unused);
 
     // The listener hears of finished writes and renames below `path`, a directory or file, also when its
@@ -62,7 +63,8 @@ public:
     // again does nothing.
     static void AttachFileChangeNotification(char const * path, IFileChangeNotify * listener);
 
-    // A null path detaches the listener from all paths. Allowed inside OnFileChanged.
+    // A null path detaches the listener from all paths. The listener is not called any more for what it was
+    // detached from once this returns, unless it is called from inside the listener itself.
     static void DetachFileChangeNotification(IFileChangeNotify * listener, char const * path);
 
     // Delivers what has changed since the last call, on the calling thread, once per path and listener. Gives

@@ -147,13 +147,21 @@ private:
 
         if (part == "..")
             return climb();
+        if (!pending.empty() && enterFolder(part)) { // as most of them are: spelt right and no link
+            spell(part, isAsked);
+            return Progress::On;
+        }
         if (!look(part))
             return Progress::Refused;
-        if (isAsked)
-            appendComponent(realPath, name);
+        spell(name, isAsked);
         if (kind == S_IFLNK)
             return followLink();
         return pending.empty() ? Progress::On : enter();
+    }
+
+    void spell(std::string const & part, bool isAsked) {
+        if (isAsked)
+            appendComponent(realPath, part);
     }
 
     Progress climb() {
@@ -196,12 +204,16 @@ private:
             if (::mkdirat(folders.back().Get(), name.c_str(), 0777) != 0 && errno != EEXIST)
                 return Progress::Refused;
         }
-        Descriptor next = openFolder(folders.back().Get(), name.c_str(), O_NOFOLLOW);
+        return enterFolder(std::string(name)) ? Progress::On : Progress::Refused;
+    }
+
+    bool enterFolder(std::string const & part) {
+        Descriptor next = openFolder(folders.back().Get(), part.c_str(), O_NOFOLLOW);
         if (!next)
-            return Progress::Refused;
+            return false;
         folders.push_back(std::move(next));
         standInFolder();
-        return Progress::On;
+        return true;
     }
 
     Progress followLink() {
@@ -312,7 +324,9 @@ Descriptor OpenForReading(char const * path) {
 }
 
 Descriptor OpenRawForReading(std::string const & path) {
-    return OpenRegular(AT_FDCWD, path.c_str(), O_RDONLY);
+    struct stat status;
+    bool const isFile = ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+    return isFile ? OpenRegular(AT_FDCWD, path.c_str(), O_RDONLY) : Descriptor();
 }
 
 bool IsSmallRegular(struct stat const & status) {
@@ -321,17 +335,12 @@ bool IsSmallRegular(struct stat const & status) {
 }
 
 Descriptor OpenRegular(int folder, char const * name, int flags) {
-    struct stat status;
-    int const statFlags = flags & O_NOFOLLOW ? AT_SYMLINK_NOFOLLOW : 0;
-    // Looked at first, since the open alone would already stir a pipe or a device.
-    if (::fstatat(folder, name, &status, statFlags) != 0)
-        return {};
-    errno = EINVAL;
-    if (!IsSmallRegular(status))
-        return {};
     Descriptor file(::openat(folder, name, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    if (file && (::fstat(file.Get(), &status) != 0 || !IsSmallRegular(status)))
-        return {};
+    struct stat status;
+    if (file && (::fstat(file.Get(), &status) != 0 || !IsSmallRegular(status))) {
+        file.Close();
+        errno = EINVAL;
+    }
     return file;
 }
 

@@ -33,8 +33,9 @@ Descriptor OpenRawForReading(std::string const & path);
 // A file that streams can work on: their positions are 32 bits.
 bool IsSmallRegular(struct stat const & status);
 
-// Opens `name` in `folder` when it is a regular file below 4 GiB; errno tells why it did not. Never blocks on
-// what is something else.
+// Opens `name` in `folder` when it is a regular file below 4 GiB; errno tells why it did not. For names that
+// a look has shown to be files: whatever takes their place in between neither opens nor blocks, but it may
+// notice.
 Descriptor OpenRegular(int folder, char const * name, int flags);
 
 // True for null, "" and whatever does not fit a path buffer.
