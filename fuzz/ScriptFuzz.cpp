@@ -99,13 +99,21 @@ void readField(LuaConfig & config, char const * name) {
     LCGetWString(config, name, wide, 16);
 }
 
-void walk(LuaConfig & config, int depth, int & fieldsLeft) {
+// The names by index are those of the walk. Nothing is pushed in between, which would cost a new listing each
+// time.
+void compareNames(LuaConfig & config) {
     unsigned int index = 0;
-    for (auto field = config.IterateBegin(); field != config.IterateEnd() && --fieldsLeft > 0;
-         ++field, ++index) {
+    for (auto field = config.IterateBegin(); field != config.IterateEnd(); ++field, ++index) {
         char name[64];
         check(config.AtEntry(index, name, sizeof(name)));
         check(std::strncmp(name, field.GetName(), sizeof(name) - 1) == 0);
+    }
+    check(index == config.CountEntry());
+}
+
+void walk(LuaConfig & config, int depth, int & fieldsLeft) {
+    compareNames(config);
+    for (auto field = config.IterateBegin(); field != config.IterateEnd() && --fieldsLeft > 0; ++field) {
         readField(config, field.GetName());
         config.PushTable(field.GetName());
         if (depth < c_maxDepth)
