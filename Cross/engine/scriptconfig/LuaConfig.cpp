@@ -7,7 +7,6 @@
 #include "Cross/engine/scriptconfig/LuaLibMan.h"
 
 #include <algorithm>
-#include <cmath>
 
 using script::FieldName;
 using script::StackHeight;

@@ -97,7 +97,7 @@ public:
 
     // The number of fields that a walk visits, and their names in its order. AtEntry cuts the name to fit and
     // gives false past the end or at size 0, with the buffer untouched. Both work on one snapshot, taken at
-    // the first of these calls after a set, clear, push, pop, run or GetState.
+    // the first of these calls on a table, and after a set, clear, push, pop, run or GetState.
     unsigned int CountEntry();
     bool AtEntry(unsigned int index, char * name, unsigned int size);
 

@@ -407,8 +407,10 @@ std::vector<FieldName> LuaConfig::Data::ListFields() {
 }
 
 std::vector<FieldName> const & LuaConfig::Data::Listing() {
-    if (!listing)
+    void const * const table = lua_topointer(L, CurrentTable());
+    if (!listing || listedTable != table)
         listing = ListFields();
+    listedTable = table;
     return *listing;
 }
 

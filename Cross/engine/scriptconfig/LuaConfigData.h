@@ -57,7 +57,7 @@ struct LuaConfig::Data {
     // The fields of the current table in the order of a walk.
     std::vector<script::FieldName> ListFields();
 
-    // The same, kept until the next change of table, cursor or state.
+    // The same, kept until the next change through this class, or until another table is the current one.
     std::vector<script::FieldName> const & Listing();
 
     void ForgetListing() { listing.reset(); }
@@ -112,6 +112,7 @@ private:
     unsigned int refusedPushes = 0;
     bool refusalTraced = false;
     std::optional<std::vector<script::FieldName>> listing;
+    void const * listedTable = nullptr;
 
     // A hash table of names read lately.
     std::vector<CachedName> names;

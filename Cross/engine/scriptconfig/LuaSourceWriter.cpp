@@ -152,11 +152,14 @@ void pushField(lua_State * L, int table, Key const & key) {
 }
 
 std::string bracketed(Key const & key) {
+    std::string out = "[";
     if (key.type == LUA_TNUMBER)
-        return "[" + numberText(key.number) + "]";
-    if (key.type == LUA_TSTRING)
-        return "[" + quoted(key.text) + "]";
-    return key.flag ? "[true]" : "[false]";
+        out += numberText(key.number);
+    else if (key.type == LUA_TSTRING)
+        out += quoted(key.text);
+    else
+        out += key.flag ? "true" : "false";
+    return out + ']';
 }
 
 bool isName(Key const & key) { return key.type == LUA_TSTRING && isIdentifier(key.text); }

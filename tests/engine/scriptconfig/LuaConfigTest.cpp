@@ -15,10 +15,16 @@ namespace {
 
 using Names = std::vector<std::string>;
 
+// Enters each field on the way, which neither ends the walk nor changes the field.
 Names walk(LuaConfig & config) {
     Names names;
-    for (auto field = config.IterateBegin(); field != config.IterateEnd(); ++field)
+    for (auto field = config.IterateBegin(); field != config.IterateEnd(); ++field) {
+        auto const type = field.GetType();
         names.push_back(field.GetName());
+        config.PushTable(field.GetName());
+        config.PopTable();
+        EXPECT_EQ(field.GetType(), type) << field.GetName();
+    }
     return names;
 }
 
@@ -174,8 +180,10 @@ TEST(LuaConfigTest, CursorIsTheLuaStack) {
     config.PopTable();
     EXPECT_EQ(lua_gettop(L), 1) << "the globals stay at the bottom";
 
+    EXPECT_EQ(config.CountEntry(), 2u);
     lua_getglobal(L, "t");
     EXPECT_EQ(number(config, "x"), 1);
+    EXPECT_EQ(config.CountEntry(), 1u);
     lua_pushnumber(L, 9);
     EXPECT_EQ(number(config, "x"), 2) << "no table on top: the globals";
     lua_pushvalue(L, LUA_GLOBALSINDEX);
@@ -249,12 +257,12 @@ TEST(LuaConfigTest, GettersAreStrict) {
                               {nullptr, LuaConfig::LT_NONE}};
     for (Case const & row : cases) {
         SCOPED_TRACE(row.name ? row.name : "null");
-        double n = 9;
+        float n = 9;
         bool b = true;
         std::string s = "kept";
         char buffer[8] = "kept";
         EXPECT_EQ(config.GetType(row.name), row.type);
-        EXPECT_EQ(config.GetNumber(row.name, n), row.type == LuaConfig::LT_NUMBER);
+        EXPECT_EQ(LCGetFloat(config, row.name, n), row.type == LuaConfig::LT_NUMBER);
         EXPECT_EQ(n, row.type == LuaConfig::LT_NUMBER ? 2.5 : 9);
         EXPECT_EQ(LCGetBool(config, row.name, b), row.type == LuaConfig::LT_BOOLEAN);
         EXPECT_EQ(b, row.type != LuaConfig::LT_BOOLEAN);
@@ -284,8 +292,7 @@ TEST(LuaConfigTest, UnsignedNumbersFitOrFail) {
                               {"-0.99", true, 0},  {"4294967296", false, 0},
                               {"-1", false, 0},    {"1/0", false, 0},
                               {"-1/0", false, 0},  {"0/0", false, 0},
-                              {"1e300", false, 0}, {"'5'", false, 0},
-                              {"true", false, 0},  {"nil", false, 0}};
+                              {"1e300", false, 0}, {"'5'", false, 0}};
     for (Case const & row : cases) {
         SCOPED_TRACE(row.source);
         LuaConfig config("", false);
@@ -420,17 +427,6 @@ TEST(LuaConfigTest, RunTellsWhyWhenAsked) {
     EXPECT_EQ(trace.lines,
               (Names{"SCRIPT -- State 'settings': why", "SCRIPT -- State 'settings': the error is no text"}));
     EXPECT_TRUE(config.RunString(nullptr, true));
-}
-
-TEST(LuaConfigTest, EndlessNestingIsAnError) {
-    for (std::string const piece :
-         {"x=(", "x={", "do ", "x=function() ", "if x then ", "x=-", "x='a'..", "x[", "x(", "("}) {
-        std::string source;
-        for (int i = 0; i < 50000; ++i)
-            source += piece;
-        LuaConfig config("", false);
-        EXPECT_FALSE(config.RunString(source.c_str(), false)) << piece;
-    }
 }
 
 // An allocator that fails from a given call on.
