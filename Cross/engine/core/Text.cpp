@@ -76,29 +76,31 @@ bool CopyCut(char * buffer, std::size_t size, char const * source) {
     return fits;
 }
 
-void Printf(std::string & out, char const * format, ...) {
+bool Printf(std::string & out, char const * format, ...) {
     std::va_list arguments;
     va_start(arguments, format);
-    VPrintf(out, format, arguments);
+    bool const formatted = VPrintf(out, format, arguments);
     va_end(arguments);
+    return formatted;
 }
 
 // An argument may point into `out`, so that is written last.
-void VPrintf(std::string & out, char const * format, std::va_list arguments) {
+bool VPrintf(std::string & out, char const * format, std::va_list arguments) {
     char usual[c_usualSize];
     int const length = text::format(usual, sizeof(usual), format, arguments);
     if (length < 0) {
         out.clear();
-        return;
+        return false;
     }
     std::size_t const count = static_cast<std::size_t>(length);
     if (count < sizeof(usual)) {
         out.assign(usual, count);
-        return;
+        return true;
     }
     std::string whole(count, '\0');
     text::format(whole.data(), count + 1, format, arguments);
     out.assign(whole);
+    return true;
 }
 
 std::size_t PrintfCut(char * buffer, std::size_t size, char const * format, ...) {

@@ -27,9 +27,9 @@ CROSS_ENGINE_API bool EqualNoCase(char const * left, char const * right);
 CROSS_ENGINE_API bool CopyCut(char * buffer, std::size_t size, char const * source);
 
 // printf into a string, under the C locale: the text replaces what `out` held and keeps its capacity. A
-// format that the C library refuses gives "". VPrintf leaves `arguments` as it was.
-CROSS_ENGINE_API void Printf(std::string & out, char const * format, ...) CROSS_PRINTF_FORMAT(2, 3);
-CROSS_ENGINE_API void VPrintf(std::string & out, char const * format, std::va_list arguments)
+// format that the C library refuses gives "" and false. VPrintf leaves `arguments` as it was.
+CROSS_ENGINE_API bool Printf(std::string & out, char const * format, ...) CROSS_PRINTF_FORMAT(2, 3);
+CROSS_ENGINE_API bool VPrintf(std::string & out, char const * format, std::va_list arguments)
     CROSS_PRINTF_FORMAT(2, 0);
 
 // printf into a buffer of `size` bytes, cut to fit and always ended with NUL; a size of 0 writes nothing.

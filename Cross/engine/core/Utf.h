@@ -1,7 +1,7 @@
 #pragma once
 
-// UTF-8 and UTF-16 text. Malformed input never fails here: each bad sequence becomes U+FFFD. The strict forms
-// tell it instead. All functions may be called from any thread.
+// UTF-8 and UTF-16 text. Malformed input never fails here: each bad sequence becomes U+FFFD. The strict form
+// tells it instead. All functions may be called from any thread.
 
 #include "Cross/engine/core/Export.h"
 

@@ -54,8 +54,8 @@ bool BSPrintf(ByteStream & stream, char const * format, ...) {
     // The compiler has checked the arguments against `format` at the call; line ends do not change them.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wformat-nonliteral"
-    text::VPrintf(written, converted.c_str(), arguments);
+    bool const formatted = text::VPrintf(written, converted.c_str(), arguments);
 #pragma GCC diagnostic pop
     va_end(arguments);
-    return writeAll(stream, written);
+    return formatted && writeAll(stream, written);
 }

@@ -16,6 +16,8 @@ public:
     ByteStream(ByteStream const &) = delete;
     ByteStream & operator=(ByteStream const &) = delete;
 
+    // The virtual functions are called by position: their order stays.
+
     // Closes the stream. What was written is complete in the file afterwards, or the old file stands there
     // unchanged.
     virtual ~ByteStream();
@@ -95,5 +97,6 @@ private:
 CROSS_ENGINE_API bool BSWriteText(ByteStream & stream, char const * text, bool lineEnd);
 
 // printf into a stream of CR LF lines: each lone "\n" of `format` itself is written as CR LF, text that comes
-// from the arguments stays as it is. True when all of it was written.
+// from the arguments stays as it is. True when all of it was written; false also for a format that the C
+// library refuses.
 CROSS_ENGINE_API bool BSPrintf(ByteStream & stream, char const * format, ...) CROSS_PRINTF_FORMAT(2, 3);

@@ -1,7 +1,8 @@
 #pragma once
 
 // Typed reads and writes over a ByteStream, through a converter where one is set. Every operation either does
-// all that it was asked for or throws std::runtime_error, which names the stream and the offset.
+// all that it was asked for or throws: std::runtime_error, which names the stream and the offset, or what the
+// stream itself throws.
 //
 // Threads: those of the stream. Lifetime: the adapter owns neither the stream nor the converter; both must
 // outlive it. One converter may serve several adapters.

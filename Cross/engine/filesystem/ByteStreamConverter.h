@@ -15,6 +15,8 @@ class ByteStream;
 
 class CROSS_ENGINE_API ByteStreamConverter {
 public:
+    // The virtual functions are called by position: their order stays.
+
     virtual ~ByteStreamConverter();
 
     // Each reads `count` values and gives the number of bytes read from the stream; fewer than count * sizeof

@@ -166,9 +166,9 @@ unsigned int Chunky::BoundedStream::Read(void * buffer, unsigned int size) {
 unsigned int Chunky::BoundedStream::Write(void const * buffer, unsigned int size) {
     requireData(Direction::Writing);
     requireSound();
+    failed = true;
     if (size > c_maxOffset - position)
         fail(currentPlace(), "%u bytes at offset %u reach beyond 4 GiB", size, position);
-    failed = true;
     unsigned int const done = file.Write(buffer, size);
     failed = done != size;
     position += done;
@@ -256,12 +256,12 @@ void Chunky::BoundedStream::setPlatform(PlatformType newPlatform, ByteStreamAdap
 void Chunky::BoundedStream::Begin(ChunkKind kind, std::uint32_t id, std::uint32_t version,
                                   std::string_view name) {
     requireFolder();
+    failed = true;
     std::uint64_t const bodyOffset = std::uint64_t{position} + c_chunkHeaderSize + name.size();
     if (bodyOffset > c_maxOffset)
         fail(chunkPlace(id, position), "the chunk reaches beyond 4 GiB");
     auto const nameLength = static_cast<std::uint32_t>(name.size());
     std::uint32_t const words[HW_COUNT] = {kind, id, version, c_sizeUnknown, nameLength};
-    failed = true;
     headers.Write(words, HW_COUNT);
     headers.WriteBytes(name.data(), nameLength);
     parents.push_back(current);

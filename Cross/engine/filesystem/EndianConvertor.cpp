@@ -4,6 +4,7 @@
 #include "Cross/engine/filesystem/ByteStreamAdapter.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <cstring>
 #include <limits>
 #include <stdexcept>
@@ -82,7 +83,7 @@ auto asValues(Unit * units) {
 }
 
 template <class T>
-bool fitsStream(unsigned int count) {
+bool fitsStream(std::size_t count) {
     return count <= std::numeric_limits<unsigned int>::max() / sizeof(T);
 }
 
@@ -208,10 +209,11 @@ unsigned int EndianConvertor::readLength() {
     unsigned int const position = stream->GetPos();
     unsigned int const end = stream->GetLen();
     unsigned int const left = end > position ? end - position : 0;
-    if (length > left / sizeof(Unit)) {
+    std::uint64_t const size = std::uint64_t{length} * sizeof(Unit);
+    if (size > left) {
         std::string message;
-        text::Printf(message, "'%s' at offset %u: a text of %u bytes exceeds the %u bytes left",
-                     stream->GetStreamName(), position, length, left);
+        text::Printf(message, "'%s' at offset %u: a text of %" PRIu64 " bytes exceeds the %u bytes left",
+                     stream->GetStreamName(), position, size, left);
         throw std::runtime_error(message);
     }
     return length;
@@ -239,10 +241,11 @@ void EndianConvertor::readText(std::basic_string<Unit> & text) {
 template <class Unit>
 void EndianConvertor::writeText(Unit const * text) {
     auto const units = text ? std::basic_string_view<Unit>(text) : std::basic_string_view<Unit>();
-    if (units.size() > std::numeric_limits<std::uint32_t>::max())
-        throw std::length_error("a text of 4 GiB or more cannot be stored");
-    auto const length = static_cast<std::uint32_t>(units.size());
     ByteStreamAdapter adapter(stream, this);
+    if (!fitsStream<Unit>(units.size()))
+        throw std::runtime_error(std::string("'") + stream->GetStreamName() +
+                                 "': a text of 4 GiB or more cannot be stored");
+    auto const length = static_cast<std::uint32_t>(units.size());
     adapter.Write(length);
     adapter.Write(asValues(units.data()), length);
 }

@@ -2,8 +2,8 @@
 
 // The converter of this engine: stores values in the byte order of a platform. Platforms 0 and 1 are native,
 // every other one swaps the bytes of each value, of the units of wide texts and of the length word of each
-// text. Single bytes and structs stay as they are; records are not padded. A failure of the operations that
-// give no result throws std::runtime_error.
+// text. Single bytes and structs stay as they are; records are not padded. The operations that give no result
+// throw on failure, as those of ByteStreamAdapter do, and also when there is no stream yet.
 
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/filesystem/ByteStreamConverter.h"

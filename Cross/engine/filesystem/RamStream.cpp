@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <limits>
 #include <stdexcept>
 #include <utility>
@@ -30,17 +31,24 @@ unsigned int RamStream::Read(void * buffer, unsigned int size) {
     return count;
 }
 
+unsigned int RamStream::Write(void const * buffer, unsigned int size) {
+    if (mode != c_streamWrite || IsDiscarded() || size == 0)
+        return 0;
+    makeRoom(size);
+    std::memcpy(bytes + position, buffer, size);
+    position += size;
+    length = std::max(length, position);
+    return size;
+}
+
 void * RamStream::Detach() {
     length = capacity = position = 0;
     mode = 0;
     return std::exchange(bytes, nullptr);
 }
 
-// Everything that the common write need not look at: whether writing is allowed, room, and a gap in front of
-// the position. True when `size` bytes can be copied to the position.
-bool RamStream::prepareWrite(unsigned int size) {
-    if (mode != c_streamWrite || IsDiscarded() || size == 0)
-        return false;
+// Room for `size` bytes at the position, behind zeros where that leaves a gap.
+void RamStream::makeRoom(unsigned int size) {
     std::uint64_t const end = std::uint64_t{position} + size;
     if (end > std::numeric_limits<unsigned int>::max())
         throw std::length_error("a stream in memory holds less than 4 GiB");
@@ -48,7 +56,6 @@ bool RamStream::prepareWrite(unsigned int size) {
         grow(static_cast<unsigned int>(end));
     if (position > length)
         std::memset(bytes + length, 0, position - length);
-    return true;
 }
 
 // Doubles, so that many small writes cost no more than a few copies. The new bytes are left as they are: only

@@ -7,8 +7,6 @@
 
 #include "Cross/engine/filesystem/ByteStream.h"
 
-#include <cstring>
-
 class CROSS_ENGINE_API RamStream : public ByteStream {
 public:
     RamStream();
@@ -26,17 +24,7 @@ public:
     // Overwrites at the position and grows at the end; a gap in front of the position is filled with zeros.
     // Throws std::bad_alloc, or std::length_error at 4 GiB, and then nothing was written. Bytes come from
     // outside the stream's own buffer.
-    unsigned int Write(void const * buffer, unsigned int size) override {
-        bool const inPlace = position <= length && size <= capacity - position && !IsDiscarded();
-        if (!inPlace && !prepareWrite(size))
-            return 0;
-        if (size > 0)
-            std::memcpy(bytes + position, buffer, size);
-        position += size;
-        if (position > length)
-            length = position;
-        return size;
-    }
+    unsigned int Write(void const * buffer, unsigned int size) override;
 
     // The number of bytes written.
     unsigned int GetLen() override { return length; }
@@ -57,7 +45,7 @@ public:
     void * Detach();
 
 private:
-    bool prepareWrite(unsigned int size);
+    void makeRoom(unsigned int size);
     void grow(unsigned int needed);
 
     char * bytes = nullptr;

@@ -66,7 +66,7 @@ TEST(Text, PrintsTextsOfAnyLength) {
     for (std::size_t length : {0u, 1u, 1022u, 1023u, 1024u, 1025u, 100000u}) {
         std::string const inner(length, 'x');
         std::string out = "before";
-        text::Printf(out, "<%s>", inner.c_str());
+        EXPECT_TRUE(text::Printf(out, "<%s>", inner.c_str()));
         EXPECT_EQ(out, "<" + inner + ">") << length;
         text::Printf(out, "%s%s", out.c_str(), out.c_str()); // an argument may be the old text
         EXPECT_EQ(out, "<" + inner + "><" + inner + ">") << length;
@@ -86,7 +86,7 @@ TEST(Text, PrintsIntoBuffers) {
 // The C locale has no euro sign, so the C library refuses this one.
 TEST(Text, ARefusedFormatGivesNothing) {
     std::string out = "before";
-    text::Printf(out, "price %ls", L"\u20AC");
+    EXPECT_FALSE(text::Printf(out, "price %ls", L"\u20AC"));
     EXPECT_EQ(out, "");
     char buffer[] = "before";
     EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "price %ls", L"\u20AC"), 0u);

@@ -1,12 +1,14 @@
 #include "Cross/engine/filesystem/Chunky.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 #include "tests/support/FailingStream.h"
+#include "tests/support/ReasonOf.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
 #include <functional>
 #include <vector>
 
@@ -48,15 +50,6 @@ void readExample(ByteStream & stream, PlatformType platform) {
     EXPECT_EQ(text, "Go");
 }
 
-std::string reasonOf(std::function<void()> const & operation) {
-    try {
-        operation();
-    } catch (std::exception const & error) {
-        return error.what();
-    }
-    return "no exception";
-}
-
 // Puts a native word into bytes.
 void patch(std::string & bytes, unsigned int offset, std::uint32_t word) {
     std::memcpy(&bytes[offset], &word, sizeof word);
@@ -90,7 +83,7 @@ TEST(ChunkyFormat, ExactBytesOfASwappedFile) {
     stream->SetPos(0);
     readExample(stream, 2);
     stream->SetPos(0);
-    EXPECT_EQ(reasonOf([&] { readExample(stream, 1); }),
+    EXPECT_EQ(ReasonOf([&] { readExample(stream, 1); }),
               "'RamStream' at offset 0: the chunk file was written for platform 2, not for platform 1");
 }
 
@@ -123,7 +116,7 @@ TEST(ChunkyFormat, ForeignOrDamagedFilesAreNamedAsWhatTheyAre) {
     };
     for (Case const & row : cases) {
         FilledStream stream(row.bytes);
-        EXPECT_EQ(reasonOf([&] { readExample(stream, 0); }), row.reason);
+        EXPECT_EQ(ReasonOf([&] { readExample(stream, 0); }), row.reason);
         EXPECT_EQ(stream->GetPos(), 0u);
     }
 }
@@ -216,17 +209,17 @@ TEST(ChunkyReader, ARefusedChunkLeavesThePosition) {
     FilledStream stream(exampleBytes());
     Chunky chunky(stream, 0);
     for (Case const & row : cases) {
-        EXPECT_EQ(reasonOf([&] { row.enter(chunky); }), row.reason);
+        EXPECT_EQ(ReasonOf([&] { row.enter(chunky); }), row.reason);
         EXPECT_EQ(chunky.GetStreamPos(), 16u);
         EXPECT_EQ(stream->GetPos(), 16u);
     }
     chunky.ReadFolderChunk(c_menu, 7); // an older one is entered
     chunky.ReadDataChunk(c_item, 2);
     chunky.PopChunk();
-    EXPECT_EQ(reasonOf([&] { chunky.ReadDataChunk(c_item, 2); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.ReadDataChunk(c_item, 2); }),
               "'RamStream' at offset 69: data chunk 'ITEM' is expected, but nothing is left");
     chunky.PopChunk();
-    EXPECT_EQ(reasonOf([&] { chunky.PopChunk(); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.PopChunk(); }),
               "'RamStream' at offset 69: there is no open chunk to end");
 }
 
@@ -238,7 +231,7 @@ TEST(ChunkyReader, ReadsAndMovesAreBoundedByTheOpenChunk) {
     FilledStream stream(bytes);
     Chunky chunky(stream, 0);
     std::uint32_t word = 0;
-    EXPECT_EQ(reasonOf([&] { chunky.Read(word); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.Read(word); }),
               "'RamStream' at offset 0: no data chunk is open to read or write bytes in");
     chunky.ReadFolderChunk(c_menu, 1);
     EXPECT_THROW(chunky.Read(word), std::exception); // a folder holds chunks only
@@ -247,7 +240,7 @@ TEST(ChunkyReader, ReadsAndMovesAreBoundedByTheOpenChunk) {
     Chunky::ChunkInfo info;
     EXPECT_THROW(chunky.PeekChunk(info), std::exception);
     chunky.Read(word);
-    EXPECT_EQ(reasonOf([&] { chunky.Read(word); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.Read(word); }),
               "chunk 'ITEM' at offset 39 of 'RamStream': 4 bytes at offset 63 exceed the 3 bytes left");
     EXPECT_EQ(chunky.GetStreamPos(), 63u); // nothing was read
     std::string text;
@@ -256,7 +249,7 @@ TEST(ChunkyReader, ReadsAndMovesAreBoundedByTheOpenChunk) {
 
     chunky.SetStreamPos(66);
     chunky.SetStreamPos(59);
-    EXPECT_EQ(reasonOf([&] { chunky.SetStreamPos(58); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.SetStreamPos(58); }),
               "chunk 'ITEM' at offset 39 of 'RamStream': position 58 is not from 59 to 66");
     EXPECT_THROW(chunky.SetStreamPos(67), std::exception);
     EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
@@ -314,14 +307,14 @@ TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
                 chunky.ReadFolderChunk(c_menu, 1);
             Chunky::ChunkInfo info;
             bool const fits = value <= field.rest;
-            std::string const reason = reasonOf([&] { chunky.PeekChunk(info); });
+            std::string const reason = ReasonOf([&] { chunky.PeekChunk(info); });
             EXPECT_EQ(reason == "no exception", fits) << field.name << " " << value << ": " << reason;
             EXPECT_EQ(chunky.GetStreamPos(), field.header);
             EXPECT_EQ(stream->GetPos(), field.header);
             auto const enter = [&] {
                 field.depth > 0 ? chunky.ReadDataChunk(c_item, 2) : chunky.ReadFolderChunk(c_menu, 1);
             };
-            EXPECT_EQ(reasonOf(enter), reason); // which looks at the name no further than to skip it
+            EXPECT_EQ(ReasonOf(enter), reason); // which looks at the name no further than to skip it
             EXPECT_LE(info.bodyOffset + info.bodySize, 69u);
         }
     }
@@ -329,7 +322,7 @@ TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
     patch(bytes, 28, 4000);
     FilledStream stream(bytes);
     Chunky chunky(stream, 0);
-    EXPECT_EQ(reasonOf([&] { chunky.ReadFolderChunk(c_menu, 1); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.ReadFolderChunk(c_menu, 1); }),
               "chunk 'MENU' at offset 16 of 'RamStream': size 4000 exceeds the 9 bytes left");
 }
 
@@ -421,13 +414,52 @@ TEST(ChunkyWriter, GoingBackOverwritesInsideTheOpenChunk) {
     reader.ReadDataChunk(c_item, 1);
 }
 
+// A stream whose first byte stands at a high position.
+class HighStream : public FailingStream {
+public:
+    HighStream(ByteStream & inner, unsigned int first) : FailingStream(inner, c_endless), first(first) {}
+
+    void SetPos(unsigned int position) override { FailingStream::SetPos(position - first); }
+
+    unsigned int GetPos() override { return first + FailingStream::GetPos(); }
+
+private:
+    unsigned int first;
+};
+
+TEST(ChunkyWriter, WhatReachesBeyondFourGigabytesGivesTheFileUp) {
+    struct Case {
+        unsigned int room; // for the headers of the file (16 bytes) and the chunk (20), and for bytes
+        char const * reason;
+    };
+
+    Case const cases[] = {
+        {35, "chunk 'ITEM' at offset 4294967276 of 'RamStream': the chunk reaches beyond 4 GiB"},
+        {39,
+         "chunk 'ITEM' at offset 4294967272 of 'RamStream': 4 bytes at offset 4294967292 reach beyond 4 GiB"},
+        {40, "no exception"},
+    };
+    for (Case const & row : cases) {
+        FilledStream memory;
+        HighStream stream(memory, c_endless - row.room);
+        EXPECT_EQ(ReasonOf([&] {
+                      Chunky chunky(&stream, 1);
+                      chunky.WriteDataChunk(c_item, 1, -1);
+                      chunky.Write(std::uint32_t{7});
+                      chunky.PopChunk();
+                  }),
+                  row.reason);
+        EXPECT_EQ(stream.IsDiscarded(), row.room < 40);
+    }
+}
+
 // Whatever the byte at which the stream fails: an exception, no further writes, and the stream is discarded.
 TEST(ChunkyWriter, AFailedWriteGivesTheFileUp) {
     unsigned int const whole = static_cast<unsigned int>(exampleBytes().size()) + 8; // and two patched sizes
     for (unsigned int budget = 0; budget <= whole; ++budget) {
         FilledStream memory;
         FailingStream stream(memory, budget);
-        std::string const reason = reasonOf([&] { writeExample(stream, 1); });
+        std::string const reason = ReasonOf([&] { writeExample(stream, 1); });
         EXPECT_EQ(reason == "no exception", budget == whole) << budget << ": " << reason;
         EXPECT_EQ(stream.IsDiscarded(), budget < whole) << budget;
     }
@@ -435,7 +467,7 @@ TEST(ChunkyWriter, AFailedWriteGivesTheFileUp) {
     FailingStream stream(memory, 17);
     Chunky chunky(&stream, 1);
     EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
-    EXPECT_EQ(reasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }),
+    EXPECT_EQ(ReasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }),
               "'RamStream' at offset 16: an earlier write failed, the chunk file is given up");
     EXPECT_THROW(chunky.PopChunk(), std::exception);
 }

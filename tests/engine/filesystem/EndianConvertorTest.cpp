@@ -1,6 +1,8 @@
 #include "Cross/engine/filesystem/EndianConvertor.h"
 #include "Cross/engine/filesystem/ByteStreamAdapter.h"
 #include "tests/support/FailingStream.h"
+#include "tests/support/ReasonOf.h"
+#include "tests/support/SlotOf.h"
 #include "tests/support/StreamBytes.h"
 
 #include <gtest/gtest.h>
@@ -13,6 +15,36 @@
 namespace {
 
 constexpr PlatformType c_swapped = 2;
+
+#if defined(__x86_64__)
+template <class... Values>
+bool functionsKeepTheirSlots() {
+    using C = ByteStreamConverter;
+    return FollowTheDestructor({
+        SlotOf<unsigned int (C::*)(Values *, unsigned int)>(&C::Read)...,
+        SlotOf<void (C::*)(char16_t *, unsigned int)>(&C::ReadString),
+        SlotOf<void (C::*)(std::u16string &)>(&C::ReadString),
+        SlotOf<void (C::*)(char *, unsigned int)>(&C::ReadString),
+        SlotOf<void (C::*)(std::string &)>(&C::ReadString),
+        SlotOf(&C::ReadNativeStruct),
+        SlotOf(&C::ReadGenericStruct),
+        SlotOf<unsigned int (C::*)(Values const *, unsigned int)>(&C::Write)...,
+        SlotOf<void (C::*)(char16_t const *)>(&C::WriteString),
+        SlotOf<void (C::*)(char const *)>(&C::WriteString),
+        SlotOf(&C::WriteNativeStruct),
+        SlotOf(&C::WriteGenericStruct),
+        SlotOf(&C::BeginAlignStruct),
+        SlotOf(&C::EndAlignStruct),
+        SlotOf(&C::GetFormat),
+    });
+}
+
+TEST(ByteStreamConverter, VirtualFunctionsKeepTheirSlots) {
+    EXPECT_TRUE(
+        (functionsKeepTheirSlots<double, float, std::uint64_t, std::uint32_t, std::uint16_t, std::uint8_t,
+                                 std::int64_t, std::int32_t, std::int16_t, char, bool>()));
+}
+#endif
 
 // Writes a value for a platform, compares the bytes and reads it back.
 template <class T>
@@ -89,6 +121,7 @@ TEST(EndianConvertor, CountsTheBytesThatPassed) {
     FilledStream memory;
     EndianConvertor converter(c_swapped);
     EXPECT_EQ(converter.Write(values.data(), 5000), 0u); // no stream yet
+    EXPECT_THROW(converter.WriteString("x"), std::exception);
 
     FailingStream writing(memory, 3001);
     converter.SetStream(&writing);
@@ -137,7 +170,8 @@ TEST(EndianConvertor, TextsAreUnitsBehindALengthWord) {
     // two units are there, three are announced
     FilledStream damaged(FromHex("00000003 0063 20AC 00"));
     converter.SetStream(damaged);
-    EXPECT_THROW(converter.ReadString(wide), std::runtime_error);
+    EXPECT_EQ(ReasonOf([&] { converter.ReadString(wide); }),
+              "'RamStream' at offset 4: a text of 6 bytes exceeds the 5 bytes left");
     EXPECT_EQ(wide, u"c\u20AC");
 }
 

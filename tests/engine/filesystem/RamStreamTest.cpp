@@ -1,8 +1,10 @@
+#include "tests/support/HeapLimit.h"
 #include "tests/support/StreamBytes.h"
 
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <new>
 #include <stdexcept>
 
 namespace {
@@ -79,12 +81,22 @@ TEST(RamStream, OnlyAnOpenWriterTakesBytes) {
     EXPECT_EQ(stream.GetLen(), 1u);
 }
 
-TEST(RamStream, FourGigabytesAreRefusedBeforeAnythingChanges) {
+TEST(RamStream, WhatItCannotHoldChangesNothing) {
     FilledStream stream("abc");
+    char const more[100] = {};
+    {
+        HeapLimit const limit(64);
+        EXPECT_THROW(stream->Write(more, sizeof more), std::bad_alloc);
+    }
+    EXPECT_EQ(stream->GetPos(), 0u);
     stream->SetPos(0xFFFFFFFF);
     EXPECT_THROW(stream->Write("x", 1), std::length_error);
     EXPECT_EQ(stream.Content(), "abc");
     EXPECT_EQ(stream->GetPos(), 0xFFFFFFFFu);
+
+    HeapLimit const limit(64);
+    EXPECT_THROW(stream->Open(sizeof more, c_streamWrite), std::bad_alloc);
+    EXPECT_FALSE(stream->IsOpen());
 }
 
 } // namespace
