@@ -18,7 +18,8 @@ int handWritten(lua_State * state) {
     char const * const text = luaL_checkstring(state, 1);
     auto const number = static_cast<float>(luaL_checknumber(state, 2));
     lua_Number const whole = luaL_checknumber(state, 3);
-    luaL_argcheck(state, whole == static_cast<lua_Number>(static_cast<int>(whole)), 3,
+    bool const fits = whole > -2147483649.0 && whole < 2147483648.0;
+    luaL_argcheck(state, fits && whole == static_cast<lua_Number>(static_cast<int>(whole)), 3,
                   "a whole number is wanted");
     s_sum += text[0] + static_cast<double>(number) + static_cast<int>(whole);
     return 0;

@@ -25,8 +25,8 @@
 
 namespace LuaBinding {
 
-// How one type of argument is named in messages and read from the stack. Read gives false, with `value`
-// untouched, when the argument is of another type.
+// How one type of argument is named in messages and read from the stack. Read gives false when the argument
+// is of another type, and `value` then means nothing.
 template <class T>
 struct Argument;
 
@@ -35,22 +35,26 @@ struct Argument<char const *> {
     static constexpr char const * c_name = "const char*";
 
     static bool Read(lua_State * state, int index, char const *& value) {
-        if (!lua_isstring(state, index))
-            return false;
         value = lua_tolstring(state, index, nullptr);
-        return true;
+        return value != nullptr;
     }
 };
+
+// A number, or a text that reads as one. What is no number reads as 0, so only a 0 needs a second look.
+inline bool ReadNumber(lua_State * state, int index, double & value) {
+    value = lua_tonumber(state, index);
+    return value != 0.0 || lua_isnumber(state, index) != 0;
+}
 
 template <>
 struct Argument<float> {
     static constexpr char const * c_name = "float";
 
     static bool Read(lua_State * state, int index, float & value) {
-        if (!lua_isnumber(state, index))
-            return false;
-        value = static_cast<float>(lua_tonumber(state, index));
-        return true;
+        double number = 0.0;
+        bool const isNumber = ReadNumber(state, index, number);
+        value = static_cast<float>(number);
+        return isNumber;
     }
 };
 
@@ -61,26 +65,22 @@ struct Argument<bool> {
     // A text that looks like a number is none here.
     static bool Read(lua_State * state, int index, bool & value) {
         int const type = lua_type(state, index);
-        if (type != LUA_TBOOLEAN && type != LUA_TNUMBER)
-            return false;
         value = type == LUA_TBOOLEAN ? lua_toboolean(state, index) != 0 : lua_tonumber(state, index) != 0.0;
-        return true;
+        return type == LUA_TBOOLEAN || type == LUA_TNUMBER;
     }
 };
 
 // A number counts as whole when it differs from its truncation by less than the resolution of a double at 1.
+// The limits come first: they keep out NaN and what the type cannot hold.
 template <class T>
 bool ReadWholeNumber(lua_State * state, int index, T & value) {
-    if (!lua_isnumber(state, index))
+    double number = 0.0;
+    if (!ReadNumber(state, index, number) ||
+        !(number > static_cast<double>(std::numeric_limits<T>::min()) - 1.0 &&
+          number < static_cast<double>(std::numeric_limits<T>::max()) + 1.0))
         return false;
-    double const number = lua_tonumber(state, index);
-    double const whole = std::trunc(number);
-    if (!(std::fabs(number - whole) < std::numeric_limits<double>::epsilon()) ||
-        whole < static_cast<double>(std::numeric_limits<T>::min()) ||
-        whole > static_cast<double>(std::numeric_limits<T>::max()))
-        return false;
-    value = static_cast<T>(whole);
-    return true;
+    value = static_cast<T>(number);
+    return std::fabs(number - static_cast<double>(value)) < std::numeric_limits<double>::epsilon();
 }
 
 template <>
@@ -101,24 +101,23 @@ struct Argument<unsigned int> {
     }
 };
 
-template <class R, class... Args>
+// The binding object of any number of arguments. D is the type of its delegate.
+template <class D, class R, class... Args>
 class ObjInternal : public ObjInternalBase {
     static_assert(std::is_same_v<R, bool> || std::is_void_v<R>);
     static_assert(sizeof...(Args) <= 8);
 
 public:
-    using Delegate = fastdelegate::FastDelegate<R(Args...)>;
-
-    ObjInternal(LuaConfig * config, char const * functionName, Delegate delegate)
+    ObjInternal(LuaConfig * config, char const * functionName, D delegate)
         : ObjInternalBase(config, functionName, signatureText().c_str()), delegate(delegate) {}
-
-protected:
-    ~ObjInternal() override = default;
 
     int Call(lua_State * state) override {
         CheckArgs(state, sizeof...(Args));
         return callWith(state, std::index_sequence_for<Args...>());
     }
+
+protected:
+    ~ObjInternal() override = default;
 
 private:
     static std::string signatureText() {
@@ -155,33 +154,34 @@ private:
         return results;
     }
 
-    Delegate delegate;
+    D delegate;
 };
 
-// The class for each number of arguments, by the types of the arguments, the delegate and the result.
+// The same for each number of arguments, by the types of the arguments, the delegate and the result.
 template <class D, class R>
-using ObjInternal0 = ObjInternal<R>;
+using ObjInternal0 = ObjInternal<D, R>;
 template <class A1, class D, class R>
-using ObjInternal1 = ObjInternal<R, A1>;
+using ObjInternal1 = ObjInternal<D, R, A1>;
 template <class A1, class A2, class D, class R>
-using ObjInternal2 = ObjInternal<R, A1, A2>;
+using ObjInternal2 = ObjInternal<D, R, A1, A2>;
 template <class A1, class A2, class A3, class D, class R>
-using ObjInternal3 = ObjInternal<R, A1, A2, A3>;
+using ObjInternal3 = ObjInternal<D, R, A1, A2, A3>;
 template <class A1, class A2, class A3, class A4, class D, class R>
-using ObjInternal4 = ObjInternal<R, A1, A2, A3, A4>;
+using ObjInternal4 = ObjInternal<D, R, A1, A2, A3, A4>;
 template <class A1, class A2, class A3, class A4, class A5, class D, class R>
-using ObjInternal5 = ObjInternal<R, A1, A2, A3, A4, A5>;
+using ObjInternal5 = ObjInternal<D, R, A1, A2, A3, A4, A5>;
 template <class A1, class A2, class A3, class A4, class A5, class A6, class D, class R>
-using ObjInternal6 = ObjInternal<R, A1, A2, A3, A4, A5, A6>;
+using ObjInternal6 = ObjInternal<D, R, A1, A2, A3, A4, A5, A6>;
 template <class A1, class A2, class A3, class A4, class A5, class A6, class A7, class D, class R>
-using ObjInternal7 = ObjInternal<R, A1, A2, A3, A4, A5, A6, A7>;
+using ObjInternal7 = ObjInternal<D, R, A1, A2, A3, A4, A5, A6, A7>;
 template <class A1, class A2, class A3, class A4, class A5, class A6, class A7, class A8, class D, class R>
-using ObjInternal8 = ObjInternal<R, A1, A2, A3, A4, A5, A6, A7, A8>;
+using ObjInternal8 = ObjInternal<D, R, A1, A2, A3, A4, A5, A6, A7, A8>;
 
 // Binds a plain function in a state and gives the handle to store.
 template <class R, class... Args>
 Obj Bind(LuaConfig & config, char const * functionName, R (*function)(Args...)) {
-    return Obj(new ObjInternal<R, Args...>(&config, functionName, function));
+    using Delegate = fastdelegate::FastDelegate<R(Args...)>;
+    return Obj(new ObjInternal<Delegate, R, Args...>(&config, functionName, function));
 }
 
 } // namespace LuaBinding

@@ -84,4 +84,24 @@ private:
     Invoke invoke = nullptr; // each library has a forwarder of its own, so equality leaves it out
 };
 
+// The same by the number of arguments, with the result last.
+template <class R>
+using FastDelegate0 = FastDelegate<R()>;
+template <class A1, class R>
+using FastDelegate1 = FastDelegate<R(A1)>;
+template <class A1, class A2, class R>
+using FastDelegate2 = FastDelegate<R(A1, A2)>;
+template <class A1, class A2, class A3, class R>
+using FastDelegate3 = FastDelegate<R(A1, A2, A3)>;
+template <class A1, class A2, class A3, class A4, class R>
+using FastDelegate4 = FastDelegate<R(A1, A2, A3, A4)>;
+template <class A1, class A2, class A3, class A4, class A5, class R>
+using FastDelegate5 = FastDelegate<R(A1, A2, A3, A4, A5)>;
+template <class A1, class A2, class A3, class A4, class A5, class A6, class R>
+using FastDelegate6 = FastDelegate<R(A1, A2, A3, A4, A5, A6)>;
+template <class A1, class A2, class A3, class A4, class A5, class A6, class A7, class R>
+using FastDelegate7 = FastDelegate<R(A1, A2, A3, A4, A5, A6, A7)>;
+template <class A1, class A2, class A3, class A4, class A5, class A6, class A7, class A8, class R>
+using FastDelegate8 = FastDelegate<R(A1, A2, A3, A4, A5, A6, A7, A8)>;
+
 } // namespace fastdelegate

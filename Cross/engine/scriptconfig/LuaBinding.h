@@ -6,13 +6,15 @@
 // leaks.
 //
 // Threads: those of the script state.
-// Lifetime: Obj shares the ownership of a binding object; with the last handle it ends. A script that calls
-// the function after that gets a script error. An object may outlive its state.
+// Lifetime: Obj shares the ownership of a binding object; with the last handle it ends, though not before a
+// call of it that is in progress. A script that calls the function after that, or before the first handle,
+// gets a script error. An object may outlive its state.
 
 #include "Cross/engine/core/Export.h"
 
 #include <memory>
 #include <string>
+#include <utility>
 
 class LuaConfig;
 struct lua_State;
@@ -35,39 +37,61 @@ public:
     void CheckArgs(lua_State * state, unsigned int count);
 
 protected:
-    // Registers a global function of that name in the state, in place of what the name stood for. `signature`
-    // is for lists of functions; null counts as "".
+    // Registers a global function of that name in the state, in place of what the name stood for, whatever
+    // metatable the globals have. `signature` is for lists of functions; null counts as "". Throws
+    // std::runtime_error when the state has no memory for it.
     ObjInternalBase(LuaConfig * config, char const * functionName, char const * signature = nullptr);
 
     virtual ~ObjInternalBase();
 
+public:
     // The call: arguments stand on the Lua stack from 1 on. Gives the number of results that it left on top.
     virtual int Call(lua_State * state) = 0;
 
 private:
     friend class Obj;
-    struct Link;
 
     static int dispatch(lua_State * state);
-    static int collectLink(lua_State * state);
+    static int enter(lua_State * state);
+    static int leave(lua_State * state);
 
     std::string functionName;
     std::string signature;
-    std::shared_ptr<Link> link;
+    int handles = 0;
+
+    // Where the function in the state finds this object: null inside unless there are handles. The function
+    // has a share, so that either may end first.
+    std::shared_ptr<ObjInternalBase *> place;
 };
 
 // Shared ownership of a binding object, which was made with new. Cheap to copy.
 class CROSS_ENGINE_API Obj {
 public:
-    explicit Obj(ObjInternalBase * object);
-    ~Obj();
+    explicit Obj(ObjInternalBase * object) : object(object) {
+        ++object->handles;
+        *object->place = object;
+    }
+
+    Obj(Obj const & other) noexcept : object(other.object) { ++object->handles; }
+
+    Obj & operator=(Obj other) noexcept {
+        std::swap(object, other.object);
+        return *this;
+    }
+
+    ~Obj() {
+        if (--object->handles > 0)
+            return;
+        *object->place = nullptr;
+        delete object;
+    }
 
     ObjInternalBase const & operator*() const { return *object; }
 
-    ObjInternalBase const * operator->() const { return object.get(); }
+    ObjInternalBase const * operator->() const { return object; }
 
 private:
-    std::shared_ptr<ObjInternalBase> object;
+    ObjInternalBase * object;
 };
 
 // The state of the script call in progress on this thread, for functions that have no state among their

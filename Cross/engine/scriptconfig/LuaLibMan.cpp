@@ -28,8 +28,13 @@ Registry & registry() {
 
 void LuaLibMan::AddLibrary(char const * name, LuaLibrary * library) {
     registry().libraries.push_back({name, library});
-    for (LuaConfig * state : registry().states)
-        library->BindState(*state);
+    try {
+        for (LuaConfig * state : registry().states)
+            library->BindState(*state);
+    } catch (...) {
+        RemLibrary(name, library);
+        throw;
+    }
 }
 
 void LuaLibMan::RemLibrary(char const * name, LuaLibrary * library) {
@@ -46,8 +51,13 @@ void LuaLibMan::RemLibrary(char const * name, LuaLibrary * library) {
 
 void LuaLibMan::AddState(LuaConfig & config) {
     registry().states.push_back(&config);
-    for (Entered const & entered : registry().libraries)
-        entered.library->BindState(config);
+    try {
+        for (Entered const & entered : registry().libraries)
+            entered.library->BindState(config);
+    } catch (...) {
+        RemState(config);
+        throw;
+    }
 }
 
 void LuaLibMan::RemState(LuaConfig & config) {

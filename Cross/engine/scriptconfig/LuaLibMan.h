@@ -1,7 +1,7 @@
 #pragma once
 
 // The manager of the script libraries: brings every library together with every script state, whichever comes
-// first.
+// first. An exception out of a BindState takes the newcomer, library or state, out again and goes on.
 //
 // Threads: libraries enter and leave at load and unload, states belong to the main thread; one caller at a
 // time. Lifetime: works before main and after it. Libraries and states are borrowed and must leave before

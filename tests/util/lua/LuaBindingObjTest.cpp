@@ -1,7 +1,6 @@
 #include "Cross/Util/lua/LuaBindingObj.h"
 
 #include "Cross/Util/Inv.h"
-#include "Cross/Util/lua/LuaLibNames.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/LuaLibMan.h"
@@ -12,104 +11,142 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace {
 
-// What the bound functions were called with, as text.
-std::vector<std::string> s_calls;
+using Texts = std::vector<std::string>;
+
+// What happened: calls with their arguments, and libraries with what they were asked.
+Texts s_events;
 
 void takeAll(char const * text, float number, bool flag, int whole, unsigned int count) {
-    s_calls.push_back(std::string(text) + " " + std::to_string(number) + " " + std::to_string(flag) + " " +
-                      std::to_string(whole) + " " + std::to_string(count));
+    s_events.push_back(std::string(text) + " " + std::to_string(number) + " " + std::to_string(flag) + " " +
+                       std::to_string(whole) + " " + std::to_string(count));
 }
 
-void takeNothing() { s_calls.push_back("nothing"); }
+void takeNothing() { s_events.push_back("nothing"); }
 
 bool isPositive(float number) { return number > 0.0f; }
 
-void takeUnsigned(unsigned int value) { s_calls.push_back(std::to_string(value)); }
+void takeInt(int value) { s_events.push_back(std::to_string(value)); }
 
-void takeInt(int value) { s_calls.push_back(std::to_string(value)); }
+void takeUnsigned(unsigned int value) { s_events.push_back(std::to_string(value)); }
 
-void takeBool(bool value) { s_calls.push_back(value ? "true" : "false"); }
+void takeBool(bool value) { s_events.push_back(value ? "true" : "false"); }
 
-void takeText(char const * value) { s_calls.push_back(value); }
+void takeText(char const * value) { s_events.push_back(value); }
+
+bool takeEight(char const * a, float b, float c, float d, char const * e, int f, int g, int h) {
+    s_events.push_back(std::string(a) + e + std::to_string(static_cast<int>(b + c + d) + f + g + h));
+    return true;
+}
 
 void leaveSomething() { lua_pushnumber(LuaBinding::GetContext(), 1.0); }
 
-bool takeSomething() {
+bool dropSomething(float) {
     lua_pop(LuaBinding::GetContext(), 1);
     return true;
 }
 
-void throwStandard() { throw LuaBinding::Exception("%s by %d", "broken", 7); }
+void throwBinding() { throw LuaBinding::Exception("%s%d", std::string(2000, 'x').c_str(), 7); }
+
+void throwOther() { throw std::range_error("100%s"); }
 
 void raiseLua() { luaL_error(LuaBinding::GetContext(), "raised"); }
 
-void nested() {
+// Calls another bound function, which must not change whose call this is.
+void nest() {
     lua_State * const state = LuaBinding::GetContext();
     lua_getglobal(state, "takeNothing");
     lua_call(state, 0, 0);
-    s_calls.push_back(LuaBinding::GetContext() == state ? "same context" : "lost context");
+    s_events.push_back(LuaBinding::GetContext() == state ? "same context" : "lost context");
 }
 
-bool takeEight(char const * a, float b, float c, float d, char const * e, int f, int g, int h) {
-    s_calls.push_back(std::string(a) + e + std::to_string(static_cast<int>(b + c + d) + f + g + h));
-    return true;
-}
+// A binding that ends all those of its library in the middle of its call, and goes on.
+class Ending : public LuaBinding::ObjInternalBase {
+public:
+    Ending(LuaConfig & config, LuaLibrary & library)
+        : ObjInternalBase(&config, "endAll"), config(config), library(library) {}
+
+    int Call(lua_State * state) override {
+        library.ClearLuaBindingObj(config);
+        lua_pushstring(state, FunctionName());
+        return 1;
+    }
+
+private:
+    LuaConfig & config;
+    LuaLibrary & library;
+};
 
 class TestLibrary : public LuaLibrary {
 public:
-    explicit TestLibrary(char const * name = "test") : name(name) { LuaLibMan::AddLibrary(name, this); }
+    TestLibrary() { LuaLibMan::AddLibrary("test", this); }
 
-    ~TestLibrary() override { LuaLibMan::RemLibrary(name, this); }
+    ~TestLibrary() override { LuaLibMan::RemLibrary("test", this); }
 
     bool BindState(LuaConfig & config) override {
         using LuaBinding::Bind;
-        ++bound;
-        StoreLuaBindingObj(config, Bind(config, "takeAll", &takeAll));
-        StoreLuaBindingObj(config, Bind(config, "takeNothing", &takeNothing));
-        StoreLuaBindingObj(config, Bind(config, "isPositive", &isPositive));
-        StoreLuaBindingObj(config, Bind(config, "takeUnsigned", &takeUnsigned));
-        StoreLuaBindingObj(config, Bind(config, "takeInt", &takeInt));
-        StoreLuaBindingObj(config, Bind(config, "takeBool", &takeBool));
-        StoreLuaBindingObj(config, Bind(config, "takeText", &takeText));
-        StoreLuaBindingObj(config, Bind(config, "leaveSomething", &leaveSomething));
-        StoreLuaBindingObj(config, Bind(config, "takeSomething", &takeSomething));
-        StoreLuaBindingObj(config, Bind(config, "throwStandard", &throwStandard));
-        StoreLuaBindingObj(config, Bind(config, "raiseLua", &raiseLua));
-        StoreLuaBindingObj(config, Bind(config, "nested", &nested));
-        using Delegate =
-            fastdelegate::FastDelegate<bool(char const *, float, float, float, char const *, int, int, int)>;
-        StoreLuaBindingObj(
-            config, LuaBinding::Obj(new LuaBinding::ObjInternal8<char const *, float, float, float,
-                                                                 char const *, int, int, int, Delegate, bool>(
-                        &config, "takeEight", &takeEight)));
+        using LuaBinding::Obj;
+        using TakeEight =
+            fastdelegate::FastDelegate8<char const *, float, float, float, char const *, int, int, int, bool>;
+        using EightObj = LuaBinding::ObjInternal8<char const *, float, float, float, char const *, int, int,
+                                                  int, TakeEight, bool>;
+        for (Obj const & object :
+             {Bind(config, "takeAll", &takeAll), Bind(config, "takeNothing", &takeNothing),
+              Bind(config, "isPositive", &isPositive), Bind(config, "takeInt", &takeInt),
+              Bind(config, "takeUnsigned", &takeUnsigned), Bind(config, "takeBool", &takeBool),
+              Bind(config, "takeText", &takeText), Bind(config, "leaveSomething", &leaveSomething),
+              Bind(config, "dropSomething", &dropSomething), Bind(config, "throwBinding", &throwBinding),
+              Bind(config, "throwOther", &throwOther), Bind(config, "raiseLua", &raiseLua),
+              Bind(config, "nest", &nest), Obj(new EightObj(&config, "takeEight", &takeEight)),
+              Obj(new Ending(config, *this))})
+            StoreLuaBindingObj(config, object);
         return true;
     }
 
     bool ReleaseState(LuaConfig & config) override {
-        ++released;
         ClearLuaBindingObj(config);
         return true;
     }
-
-    int bound = 0;
-    int released = 0;
-
-private:
-    char const * name;
 };
 
-// Runs a statement and gives the error's text, "" when it ran; the stack must be as high as before.
+// Notes what it is asked.
+class NotingLibrary : public LuaLibrary {
+public:
+    explicit NotingLibrary(std::string const & name, bool fails = false) : name(name), fails(fails) {
+        LuaLibMan::AddLibrary(name.c_str(), this);
+    }
+
+    ~NotingLibrary() override { LuaLibMan::RemLibrary(name.c_str(), this); }
+
+    bool BindState(LuaConfig & config) override {
+        s_events.push_back(name + " binds " + config.GetName());
+        if (fails)
+            throw std::range_error(name);
+        return true;
+    }
+
+    bool ReleaseState(LuaConfig & config) override {
+        s_events.push_back(name + " releases " + config.GetName());
+        return true;
+    }
+
+    std::string name;
+    bool fails;
+};
+
+// Runs a statement and gives the error's text without the place in front, "" when it ran; the stack must be
+// as high as before.
 std::string run(LuaConfig & config, std::string const & statement) {
     lua_State * const state = config.GetState();
     int const height = lua_gettop(state);
     std::string error;
     if (luaL_loadstring(state, statement.c_str()) != 0 || lua_pcall(state, 0, 0, 0) != 0) {
         error = lua_tostring(state, -1);
+        error.erase(0, error.find(":1: ") == error.npos ? 0 : error.find(":1: ") + 4);
         lua_pop(state, 1);
     }
     EXPECT_EQ(lua_gettop(state), height) << statement;
@@ -117,65 +154,91 @@ std::string run(LuaConfig & config, std::string const & statement) {
     return error;
 }
 
-// The text behind the place that Lua puts in front of it.
-std::string messageOf(std::string const & error) {
-    std::size_t const place = error.find(": ");
-    return place == std::string::npos ? error : error.substr(place + 2);
-}
-
 struct BindingTest : testing::Test {
-    void SetUp() override { s_calls.clear(); }
+    BindingTest() { s_events.clear(); }
 
-    TestLibrary library;
-    LuaConfig config{"test", true};
+    std::optional<TestLibrary> library{std::in_place};
+    std::optional<LuaConfig> config{std::in_place, "test", true};
+};
+
+// Lets Lua allocate a number of times and then no more, while it lives.
+class Scarcity {
+public:
+    Scarcity(lua_State * state, int allowed) : state(state), left(allowed) {
+        normal = lua_getallocf(state, &context);
+        lua_setallocf(state, &allocate, this);
+    }
+
+    Scarcity(Scarcity const &) = delete;
+    Scarcity & operator=(Scarcity const &) = delete;
+
+    ~Scarcity() { lua_setallocf(state, normal, context); }
+
+private:
+    static void * allocate(void * scarcity, void * block, std::size_t oldSize, std::size_t size) {
+        auto & self = *static_cast<Scarcity *>(scarcity);
+        return size > oldSize && self.left-- <= 0 ? nullptr : self.normal(self.context, block, oldSize, size);
+    }
+
+    lua_State * state;
+    int left;
+    lua_Alloc normal;
+    void * context;
 };
 
 } // namespace
 
 TEST_F(BindingTest, ArgumentsAreCheckedAndConverted) {
+    auto const count = [](char const * numbers, std::string const & function) {
+        return "Invalid number of parameters (" + std::string(numbers) + ") in function " + function;
+    };
+    auto const wrong = [](int position, std::string const & types, std::string const & function) {
+        return "Invalid parameter " + std::to_string(position) + " (type " + types + ") in function " +
+               function;
+    };
+    std::string const notInt = wrong(1, "expected=int, received=number", "takeInt");
+    std::string const notUnsigned = wrong(1, "expected=unsigned int, received=number", "takeUnsigned");
+
     struct Case {
         char const * statement;
         char const * call; // null: the function is not called
-        char const * error;
+        std::string error;
     };
 
     Case const cases[] = {
         {"takeAll('a', 1.5, true, -3, 4)", "a 1.500000 1 -3 4", ""},
         // numbers as text are numbers, but for a bool; numbers are texts
         {"takeAll(7, '0.5', 0, '-3', '4')", "7 0.500000 0 -3 4", ""},
-        {"takeBool('1')", nullptr,
-         "Invalid parameter 1 (type expected=bool, received=string) in function takeBool"},
-        {"takeBool(2)", "true", ""},
-        {"takeBool(nil)", nullptr,
-         "Invalid parameter 1 (type expected=bool, received=nil) in function takeBool"},
+        {"takeBool('1')", nullptr, wrong(1, "expected=bool, received=string", "takeBool")},
+        {"takeBool(1)", "true", ""},
+        {"takeBool(0/0)", "true", ""},
+        {"takeBool(nil)", nullptr, wrong(1, "expected=bool, received=nil", "takeBool")},
         // the count comes before the types
-        {"takeAll()", nullptr, "Invalid number of parameters (expected=5, received=0) in function takeAll"},
-        {"takeNothing(1)", nullptr,
-         "Invalid number of parameters (expected=0, received=1) in function takeNothing"},
+        {"takeAll()", nullptr, count("expected=5, received=0", "takeAll")},
+        {"takeAll({}, 1.5, true, -3, 4, 5)", nullptr, count("expected=5, received=6", "takeAll")},
+        {"takeNothing(nil)", nullptr, count("expected=0, received=1", "takeNothing")},
         // the first wrong argument is told, and nothing is called
-        {"takeAll('a', {}, true, 1.5, 4)", nullptr,
-         "Invalid parameter 2 (type expected=float, received=table) in function takeAll"},
-        {"takeAll('a', 1, true, 1.5, 4)", nullptr,
-         "Invalid parameter 4 (type expected=int, received=number) in function takeAll"},
-        {"takeText({})", nullptr,
-         "Invalid parameter 1 (type expected=const char*, received=table) in function takeText"},
+        {"takeAll('a', {}, true, 1.5, 4)", nullptr, wrong(2, "expected=float, received=table", "takeAll")},
+        {"takeAll('a', 'x', true, 1, 4)", nullptr, wrong(2, "expected=float, received=string", "takeAll")},
+        {"takeEight('x', 1, 2, 3, 'y', 1.5, 5, 6)", nullptr,
+         wrong(6, "expected=int, received=number", "takeEight")},
+        {"takeText(true)", nullptr, wrong(1, "expected=const char*, received=boolean", "takeText")},
         {"takeText('a\\0b')", "a", ""},
         // whole numbers: fractions, ranges, NaN
-        {"takeInt(2147483647)", "2147483647", ""},
-        {"takeInt(-2147483648)", "-2147483648", ""},
-        {"takeInt(2147483648)", nullptr,
-         "Invalid parameter 1 (type expected=int, received=number) in function takeInt"},
-        {"takeInt(0/0)", nullptr,
-         "Invalid parameter 1 (type expected=int, received=number) in function takeInt"},
-        {"takeInt(1/0)", nullptr,
-         "Invalid parameter 1 (type expected=int, received=number) in function takeInt"},
+        {"takeInt(3.5)", nullptr, notInt},
         {"takeInt(1e-17)", "0", ""},
+        {"takeInt(1 + 2 ^ -52)", nullptr, notInt},
+        {"takeInt(2147483647)", "2147483647", ""},
+        {"takeInt(2147483648)", nullptr, notInt},
+        {"takeInt(-2147483648)", "-2147483648", ""},
+        {"takeInt(-2147483649)", nullptr, notInt},
+        {"takeInt(0/0)", nullptr, notInt},
+        {"takeInt(1/0)", nullptr, notInt},
+        {"takeInt('')", nullptr, wrong(1, "expected=int, received=string", "takeInt")},
         {"takeUnsigned(4294967295)", "4294967295", ""},
-        {"takeUnsigned(4294967296)", nullptr,
-         "Invalid parameter 1 (type expected=unsigned int, received=number) in function takeUnsigned"},
-        {"takeUnsigned(-1)", nullptr,
-         "Invalid parameter 1 (type expected=unsigned int, received=number) in function takeUnsigned"},
-        {"takeUnsigned('12')", "12", ""},
+        {"takeUnsigned(4294967296)", nullptr, notUnsigned},
+        {"takeUnsigned(-1)", nullptr, notUnsigned},
+        {"takeUnsigned('0')", "0", ""},
         // results
         {"assert(isPositive(1) == true and isPositive(-1) == false and select('#', isPositive(1)) == 1)",
          nullptr, ""},
@@ -183,78 +246,97 @@ TEST_F(BindingTest, ArgumentsAreCheckedAndConverted) {
         {"assert(takeEight('x', 1, 2, 3, 'y', 4, 5, 6) == true)", "xy21", ""},
         // faults inside
         {"leaveSomething()", nullptr, "Invalid Stack"},
-        {"throwStandard()", nullptr, "broken by 7"},
+        {"dropSomething(1)", nullptr, "Invalid Stack"},
+        {"throwBinding()", nullptr, std::string(1023, 'x')},
+        {"throwOther()", nullptr, "100%s"},
         {"raiseLua()", nullptr, "raised"},
     };
     for (Case const & row : cases) {
-        s_calls.clear();
-        EXPECT_EQ(messageOf(run(config, row.statement)), row.error) << row.statement;
-        EXPECT_EQ(s_calls, row.call ? std::vector<std::string>{row.call} : std::vector<std::string>{})
-            << row.statement;
+        s_events.clear();
+        EXPECT_EQ(run(*config, row.statement), row.error) << row.statement;
+        EXPECT_EQ(s_events, row.call ? Texts{row.call} : Texts{}) << row.statement;
     }
 }
 
-TEST_F(BindingTest, AFunctionThatTakesFromTheStackIsCaught) {
-    // nothing of its own stands there, so it takes what is not its own; the script sees an error, or a result
-    // gone wrong
-    EXPECT_EQ(messageOf(run(config, "takeSomething(1)")),
-              "Invalid number of parameters (expected=0, received=1) in function takeSomething");
+TEST_F(BindingTest, CallsNestAndKnowTheirState) {
+    EXPECT_EQ(run(*config, "nest()  coroutine.wrap(function() nest() end)()"), "");
+    EXPECT_EQ(s_events, (Texts{"nothing", "same context", "nothing", "same context"}));
 }
 
-TEST_F(BindingTest, CallsNest) {
-    EXPECT_EQ(run(config, "nested()"), "");
-    EXPECT_EQ(s_calls, (std::vector<std::string>{"nothing", "same context"}));
+TEST_F(BindingTest, ABindingMayEndDuringItsCall) {
+    EXPECT_EQ(run(*config, "assert(endAll() == 'endAll')"), "");
+    EXPECT_EQ(run(*config, "endAll()"), "function endAll is no longer bound");
 }
 
-TEST_F(BindingTest, StatesAndLibrariesMayComeInAnyOrder) {
-    EXPECT_EQ(library.bound, 1);
-    {
-        LuaConfig late("late", true);
-        EXPECT_EQ(library.bound, 2);
-        TestLibrary lateLibrary("late library");
-        EXPECT_EQ(lateLibrary.bound, 2);
-        LuaConfig const data("data", false);
-        EXPECT_EQ(lateLibrary.bound, 2) << "data states have no bindings";
-    }
-    EXPECT_EQ(library.released, 1);
-    EXPECT_EQ(run(config, "takeNothing()"),
-              "[string \"takeNothing()\"]:1: function takeNothing is no longer bound")
-        << "the late library took the name over and went";
-}
+TEST_F(BindingTest, ObjectStateAndLibraryMayEndInAnyOrder) {
+    LuaBinding::Obj const kept = LuaBinding::Bind(*config, "kept", &takeNothing);
+    EXPECT_EQ(run(*config, "first = newproxy(true)  getmetatable(first).__gc = function() takeNothing() end"),
+              "");
+    library.reset();
+    EXPECT_EQ(run(*config, "takeNothing()"), "function takeNothing is no longer bound");
 
-TEST(LuaLibraryTest, AFunctionOfALibraryThatWentIsAnError) {
-    LuaConfig config("test", true);
-    {
-        TestLibrary const library;
-        EXPECT_EQ(run(config, "keep = takeNothing"), "");
-    }
-    EXPECT_EQ(messageOf(run(config, "keep()")), "function takeNothing is no longer bound");
-}
-
-TEST(LuaLibraryTest, AnObjectMayOutliveItsState) {
-    auto config = std::make_unique<LuaConfig>("test", true);
-    LuaBinding::Obj const object = LuaBinding::Bind(*config, "takeNothing", &takeNothing);
+    // what the script made first is finalized last, when the state has let go of the bindings
+    library.emplace();
     config.reset();
-    EXPECT_STREQ(object->FunctionName(), "takeNothing");
+    EXPECT_EQ(s_events, Texts{});
+    EXPECT_STREQ(kept->FunctionName(), "kept");
+}
+
+// Lua would end the process over an error that leaves the constructor.
+TEST_F(BindingTest, BindingIsSafeFromTheState) {
+    lua_State * const state = config->GetState();
+    EXPECT_EQ(run(*config, "setmetatable(_G, { __newindex = function() error('locked') end })"), "");
+    bool isBound = false;
+    for (int allowed = 0; !isBound; ++allowed) {
+        ASSERT_LT(allowed, 100);
+        try {
+            Scarcity const scarcity(state, allowed);
+            LuaBinding::Bind(*config, "fresh", &takeNothing);
+            isBound = true;
+        } catch (std::runtime_error const & error) {
+            EXPECT_STREQ(error.what(), "cannot bind function fresh: not enough memory");
+            EXPECT_EQ(run(*config, "assert(fresh == nil)"), "");
+        }
+    }
+    EXPECT_EQ(run(*config, "fresh()"), "function fresh is no longer bound");
+}
+
+TEST(LuaLibraryTest, StatesAndLibrariesMayComeInAnyOrder) {
+    s_events.clear();
+    {
+        NotingLibrary early("early");
+        LuaConfig const first("first", true);
+        LuaConfig const data("data", false);
+
+        // whoever fails to bind is out again
+        EXPECT_THROW(NotingLibrary("broken", true), std::range_error);
+        early.fails = true;
+        EXPECT_THROW(LuaConfig("second", true), std::range_error);
+        early.fails = false;
+
+        NotingLibrary const late("late");
+        LuaConfig const third("third", true);
+    }
+    EXPECT_EQ(s_events, (Texts{"early binds first", "broken binds first", "broken releases first",
+                               "early binds second", "early releases second", "late binds first",
+                               "early binds third", "late binds third", "late releases third",
+                               "early releases third", "late releases first", "early releases first"}));
 }
 
 TEST(LuaLibraryTest, LibrariesStandInTheOrderOfLoading) {
-    std::vector<std::string> names;
+    Texts names;
     LuaLibMan::VisitLibraries([&](char const * name, LuaLibrary &) { names.push_back(name); });
-    EXPECT_EQ(names, std::vector<std::string>{LUALIB_INVENTORY});
+    EXPECT_EQ(names, Texts{"inventory"});
 }
 
-TEST(LuaLibraryTest, BoundFunctionsTellTheirTypes) {
-    LuaConfig config("test", true);
-    TestLibrary const library;
-    std::vector<std::string> lines;
-    library.VisitLuaBindingObjs(config, [&](LuaBinding::ObjInternalBase const & object) {
+TEST_F(BindingTest, BoundFunctionsTellTheirTypes) {
+    Texts lines;
+    library->VisitLuaBindingObjs(*config, [&](LuaBinding::ObjInternalBase const & object) {
         lines.push_back(std::string(object.FunctionName()) + ": " + object.Signature());
     });
-    ASSERT_EQ(lines.size(), 13u);
-    EXPECT_EQ(lines[0], "takeAll: const char*, float, bool, int, unsigned int -> none");
-    EXPECT_EQ(lines[1], "takeNothing: none -> none");
-    EXPECT_EQ(lines[2], "isPositive: float -> bool");
+    lines.resize(3);
+    EXPECT_EQ(lines, (Texts{"takeAll: const char*, float, bool, int, unsigned int -> none",
+                            "takeNothing: none -> none", "isPositive: float -> bool"}));
 }
 
 namespace {
@@ -273,15 +355,16 @@ struct DumpKind : inventory::Kind<Inv::NamedResource> {
 
 TEST(InventoryLibraryTest, ScriptsDumpTheInventory) {
     LuaConfig config("test", true);
-    std::vector<std::string> printed;
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(run(config, "inv_dump()"), "");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "There is no inventory\n");
+
+    Texts printed;
     luaxSetPrintSink(
-        [](char const * text, void * context) {
-            static_cast<std::vector<std::string> *>(context)->push_back(text);
-        },
-        &printed);
+        [](char const * text, void * context) { static_cast<Texts *>(context)->push_back(text); }, &printed);
     EXPECT_EQ(run(config, "inv_dump()"), "");
     luaxSetPrintSink(nullptr, nullptr);
-    EXPECT_EQ(printed, std::vector<std::string>{"There is no inventory"});
+    EXPECT_EQ(printed, Texts{"There is no inventory"});
 
     TemporaryFolder folder;
     FilePath::SetAlias("log", folder.Path().c_str());
