@@ -4,6 +4,7 @@
 #include "Cross/engine/platform/Time.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace InitList {
 
@@ -26,11 +27,12 @@ Manager::Manager(char const * name) : name(name && *name ? name : "*Unnamed*") {
 Manager::~Manager() { ClearRegister(); }
 
 void Manager::Register(Entry * entry, char const * stepName, float weight) {
-    if (!entry)
+    std::unique_ptr<Entry> owned(entry);
+    if (!owned)
         return;
-    float const counted = weight > 0.0f ? weight : 0.0f;
-    totalWeight += counted;
-    steps.push_back({stepName ? stepName : "", std::unique_ptr<Entry>(entry), totalWeight});
+    float const endWeight = totalWeight + (weight > 0.0f ? weight : 0.0f);
+    steps.push_back({stepName ? stepName : "", std::move(owned), endWeight});
+    totalWeight = endWeight;
     current = 0;
     doneWeight = 0.0f;
 }

@@ -201,7 +201,7 @@ TEST_F(InitListTest, ClearingAndDestroyingUndoNothing) {
     EXPECT_EQ(log, "L9 D9");
 }
 
-TEST_F(InitListTest, AStepThatRegistersAnotherRestartsTheList) {
+TEST_F(InitListTest, RegisteringRestartsTheListAndUndoesNothing) {
     Add("a", 1.0f);
     Step * const second = Add("b", 1.0f);
     second->onLoad = [&] {
@@ -210,6 +210,13 @@ TEST_F(InitListTest, AStepThatRegistersAnotherRestartsTheList) {
     };
     EXPECT_TRUE(manager.LoadAll());
     EXPECT_EQ(log, "L1 L2 L1 L2 L3");
+
+    Add("d", 1.0f);
+    EXPECT_EQ(manager.GetState(), Manager::Loaded);
+    EXPECT_EQ(manager.LoadProgress(), 0.0f);
+    manager.Load();
+    manager.Unload();
+    EXPECT_EQ(log, "L1 L2 L1 L2 L3 L1 A2 U1");
 }
 
 TEST_F(InitListTest, OddArgumentsDoNoHarm) {
