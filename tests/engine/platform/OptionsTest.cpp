@@ -107,12 +107,3 @@ TEST_F(Options, TheFirstOfTwoCounts) {
     EXPECT_EQ(read("Y"), 1);
     EXPECT_EQ(read(nullptr), c_missing);
 }
-
-TEST_F(Options, ANewCommandLineReplacesTheOld) {
-    set({"-old=1"});
-    set({"-new=2"});
-    EXPECT_EQ(read("old"), c_missing);
-    EXPECT_EQ(read("new"), 2);
-    Plat::Options::SetCommandLine(0, nullptr);
-    EXPECT_EQ(read("new"), c_missing);
-}

@@ -108,17 +108,3 @@ TEST(Time, AClockCanBeReplaced) {
     }
     EXPECT_EQ(Time::GetCycle(), 0) << "the clock before is back";
 }
-
-// Callers and file formats read the fields at their places.
-TEST(Time, FieldsStandInTheirOrder) {
-    std::int16_t const fields[] = {2031, 12, 24, 3, 18, 5, 9};
-    Time::SystemTime time;
-    static_assert(sizeof(time) == sizeof(fields));
-    std::memcpy(&time, fields, sizeof(time));
-    EXPECT_EQ(time.year, 2031);
-    EXPECT_EQ(time.month, 12);
-    EXPECT_EQ(time.day, 24);
-    EXPECT_EQ(time.hour, 18);
-    EXPECT_EQ(time.minute, 5);
-    EXPECT_EQ(time.second, 9);
-}
