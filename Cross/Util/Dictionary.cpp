@@ -42,8 +42,7 @@ std::uint64_t wordAt(char const * text, std::size_t i) { return load<std::uint64
 // All of a text that is shorter than a word. Only texts of one length can be told apart by it.
 std::uint64_t shortText(char const * text, std::size_t length) {
     if (length >= 4)
-        return load<std::uint32_t>(text) | static_cast<std::uint64_t>(load<std::uint32_t>(text + length - 4))
-                                               << 32;
+        return load<std::uint32_t>(text) | std::uint64_t{load<std::uint32_t>(text + length - 4)} << 32;
     if (length == 0)
         return 0;
     auto const byteAt = [text](std::size_t i) { return std::uint64_t{static_cast<unsigned char>(text[i])}; };
@@ -427,6 +426,6 @@ void Dictionary::EditLock() { ++editLock; }
 
 void Dictionary::EditUnlock() { --editLock; }
 
-void Dictionary::walk(Visitor visitor, void * context) const {
+void Dictionary::walk(Visitor visitor, void const * context) const {
     entries->ForEach([=](Name const & name) { visitor(context, Key(name.key), name.text); });
 }

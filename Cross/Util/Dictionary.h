@@ -13,7 +13,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <type_traits>
 
 class CROSS_UTIL_API Dictionary {
 public:
@@ -83,17 +82,17 @@ public:
     // dictionary nor clear it.
     template <class Visit>
     void ForEach(Visit && visit) const {
-        Visitor const visitor = [](void * context, Key key, char const * text) {
-            (*static_cast<std::remove_reference_t<Visit> *>(context))(key, text);
-        };
-        walk(visitor, const_cast<void *>(static_cast<void const *>(std::addressof(visit))));
+        auto const call = [&visit](Key key, char const * text) { visit(key, text); };
+        walk([](void const * context, Key key,
+                char const * text) { (*static_cast<decltype(call) *>(context))(key, text); },
+             &call);
     }
 
 private:
-    using Visitor = void (*)(void * context, Key key, char const * text);
+    using Visitor = void (*)(void const * context, Key key, char const * text);
     struct Entries;
 
-    void walk(Visitor visitor, void * context) const;
+    void walk(Visitor visitor, void const * context) const;
 
     std::unique_ptr<Entries> const entries;
     std::int32_t editLock = 0;

@@ -1,1 +1,308 @@
+#include "Cross/Util/Dictionary.h"
+#include "Cross/Util/NameHash.h"
+#include "Cross/engine/core/Text.h"
+
 #include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <map>
+#include <random>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+static_assert(!std::is_constructible_v<Dictionary, _HMEMPOOL *>, "a pool must not pass as a bool");
+static_assert(!std::is_copy_constructible_v<Dictionary> && !std::is_copy_assignable_v<Dictionary>);
+static_assert(sizeof(Dictionary::Key) == 4 && std::is_trivially_copyable_v<Dictionary::Key>);
+static_assert(Dictionary::Key(0x80000000) == Dictionary::Key(0x80000000));
+static_assert(Dictionary::Key(1) < Dictionary::Key(0x80000000), "keys are unsigned");
+
+namespace {
+
+using Key = Dictionary::Key;
+using Content = std::vector<std::pair<std::uint32_t, std::string>>;
+
+Content contentOf(Dictionary const & dictionary) {
+    Content content;
+    dictionary.ForEach([&](Key key, char const * text) { content.emplace_back(key.GetValue(), text); });
+    return content;
+}
+
+// The key a lookup finds; INVALID also stands for false, so do not use it for a text with that key.
+std::uint32_t find(Dictionary const & dictionary, char const * text) {
+    Key key(77);
+    bool const known = dictionary.FindKey(text, key);
+    EXPECT_EQ(known, key.GetValue() != 0) << text;
+    return key.GetValue();
+}
+
+// The rules of keys put down as plainly as can be.
+class Model {
+public:
+    explicit Model(bool caseSensitive) : caseSensitive(caseSensitive) {}
+
+    std::uint32_t GetKey(std::string text) {
+        if (!caseSensitive)
+            text::ToLower((text = text.substr(0, 1024)).data());
+        std::uint32_t key = NameHash(text.c_str());
+        while (texts.count(key) > 0 && texts[key] != text)
+            ++key;
+        texts[key] = text;
+        return key;
+    }
+
+    Content All() const { return {texts.begin(), texts.end()}; }
+
+private:
+    std::map<std::uint32_t, std::string> texts;
+    bool caseSensitive;
+};
+
+std::string randomText(std::mt19937 & random) {
+    static constexpr char c_letters[] = "abAB@[`{_\x80\xC1\xFF";
+    std::string text(random() % 8 == 0 ? random() % 1100 : random() % 50, '\0');
+    for (char & c : text)
+        c = c_letters[random() % (sizeof(c_letters) - 1)];
+    return text;
+}
+
+} // namespace
+
+TEST(Dictionary, EmptyKnowsNothing) {
+    Dictionary const dictionary;
+    Key key(77);
+    EXPECT_FALSE(dictionary.FindKey(0u, key));
+    EXPECT_FALSE(dictionary.FindKey(0xFFFFFFFFu, key));
+    EXPECT_EQ(key.GetValue(), 77u) << "a value that is not there leaves the key alone";
+    EXPECT_FALSE(dictionary.FindKey("name", key));
+    EXPECT_TRUE(key == Key::INVALID);
+    EXPECT_STREQ(dictionary.GetString(Key::INVALID), "");
+    EXPECT_TRUE(contentOf(dictionary).empty());
+}
+
+TEST(Dictionary, NullIsNoName) {
+    Dictionary dictionary;
+    EXPECT_TRUE(dictionary.GetKey(nullptr) == Key::INVALID);
+    EXPECT_EQ(find(dictionary, nullptr), 0u);
+    EXPECT_TRUE(contentOf(dictionary).empty());
+}
+
+TEST(Dictionary, TheEmptyTextIsAName) {
+    Dictionary dictionary;
+    EXPECT_EQ(find(dictionary, ""), 0u);
+    EXPECT_EQ(dictionary.GetKey("").GetValue(), 0xBD49D10Du);
+    EXPECT_EQ(find(dictionary, ""), 0xBD49D10Du);
+    EXPECT_EQ(contentOf(dictionary), (Content{{0xBD49D10D, ""}}));
+}
+
+TEST(Dictionary, CaseCountsOrNot) {
+    Dictionary sensitive, blind(false);
+    EXPECT_EQ(sensitive.GetKey("Foo").GetValue(), NameHash("Foo"));
+    EXPECT_EQ(sensitive.GetKey("foo").GetValue(), NameHash("foo"));
+    EXPECT_EQ(blind.GetKey("Foo").GetValue(), NameHash("foo"));
+    EXPECT_EQ(blind.GetKey("fOO").GetValue(), NameHash("foo"));
+    EXPECT_EQ(contentOf(sensitive).size(), 2u);
+    EXPECT_STREQ(blind.GetString(Key(NameHash("foo"))), "foo");
+    EXPECT_EQ(contentOf(blind).size(), 1u);
+}
+
+TEST(Dictionary, CollidingTextsMoveUpInTheOrderOfTheirComing) {
+    struct {
+        std::vector<char const *> texts;
+        Content content;
+    } const cases[] = {
+        // the first keeps the hash, the second gets the next value
+        {{"abhjbwag", "wyumcchu"}, {{0xCD8CCD9A, "abhjbwag"}, {0xCD8CCD9B, "wyumcchu"}}},
+        {{"wyumcchu", "abhjbwag"}, {{0xCD8CCD9A, "wyumcchu"}, {0xCD8CCD9B, "abhjbwag"}}},
+        // a text that comes again keeps its key
+        {{"abhjbwag", "wyumcchu", "abhjbwag"}, {{0xCD8CCD9A, "abhjbwag"}, {0xCD8CCD9B, "wyumcchu"}}},
+        // one whose own value is taken by such a pair moves on too
+        {{"ahyibdjr", "aolouwdz", "aqlskaan"}, {{0, "ahyibdjr"}, {1, "aolouwdz"}, {2, "aqlskaan"}}},
+        {{"aqlskaan", "ahyibdjr", "aolouwdz"}, {{0, "ahyibdjr"}, {1, "aqlskaan"}, {2, "aolouwdz"}}},
+        // behind the last value comes 0
+        {{"agkckhek", "akjtljcv", "ahyibdjr", "aqlskaan"},
+         {{0, "akjtljcv"}, {1, "ahyibdjr"}, {2, "aqlskaan"}, {0xFFFFFFFF, "agkckhek"}}},
+    };
+
+    for (auto const & [texts, content] : cases) {
+        Dictionary dictionary;
+        for (char const * text : texts)
+            dictionary.GetKey(text);
+        EXPECT_EQ(contentOf(dictionary), content);
+        for (auto const & [value, text] : content) {
+            EXPECT_EQ(dictionary.GetKey(text.c_str()).GetValue(), value);
+            Key key(77);
+            EXPECT_TRUE(dictionary.FindKey(text.c_str(), key));
+            EXPECT_EQ(key.GetValue(), value);
+            key = Key(77);
+            EXPECT_TRUE(dictionary.FindKey(value, key));
+            EXPECT_EQ(key.GetValue(), value);
+            EXPECT_EQ(dictionary.GetString(Key(value)), text);
+        }
+    }
+}
+
+// Asking for a text that collides with a known one neither finds nor stores it.
+TEST(Dictionary, ACollidingTextIsNotFoundBeforeItIsStored) {
+    Dictionary dictionary;
+    dictionary.GetKey("abhjbwag");
+    EXPECT_EQ(find(dictionary, "wyumcchu"), 0u);
+    EXPECT_EQ(contentOf(dictionary).size(), 1u);
+}
+
+TEST(Dictionary, LongTextsAreCutOnlyWhereCaseDoesNotCount) {
+    std::string const head(1024, 'H');
+    Dictionary sensitive, blind(false);
+    for (Dictionary * dictionary : {&sensitive, &blind}) {
+        dictionary->GetKey((head + std::string(476, 'x')).c_str());
+        dictionary->GetKey((head + std::string(476, 'y')).c_str());
+    }
+    EXPECT_EQ(contentOf(sensitive).size(), 2u);
+    EXPECT_EQ(contentOf(blind),
+              (Content{{NameHash(std::string(1024, 'h').c_str()), std::string(1024, 'h')}}));
+    EXPECT_EQ(find(blind, head.c_str()), find(blind, (head + "z").c_str()));
+    EXPECT_EQ(find(blind, head.c_str() + 1), 0u);
+}
+
+// Texts of one length that differ in one byte, for every length around the widths in which texts are read,
+// every place and every byte: so many that some are told apart by nothing but the comparison.
+TEST(Dictionary, EveryByteOfATextCounts) {
+    for (std::size_t length = 1; length <= 50; ++length) {
+        std::string const base(length, 'M');
+        Dictionary sensitive, blind(false);
+        for (int filler = 0; filler < 11; ++filler)
+            for (Dictionary * dictionary : {&sensitive, &blind})
+                dictionary->GetKey((std::string(60, '-') + std::to_string(filler)).c_str());
+        std::uint32_t const key = sensitive.GetKey(base.c_str()).GetValue();
+        std::uint32_t const blindKey = blind.GetKey(base.c_str()).GetValue();
+        for (std::size_t i = 0; i < length; ++i) {
+            std::string other(base);
+            for (int byte = 1; byte < 256; ++byte) {
+                other[i] = static_cast<char>(byte);
+                ASSERT_EQ(find(sensitive, other.c_str()), byte == 'M' ? key : 0) << other;
+                ASSERT_EQ(find(blind, other.c_str()), byte == 'M' || byte == 'm' ? blindKey : 0) << other;
+            }
+        }
+        EXPECT_EQ(find(sensitive, base.c_str() + 1), 0u);
+        EXPECT_EQ(find(sensitive, (base + 'M').c_str()), 0u);
+    }
+}
+
+// All rules at once over texts with many repetitions, near letters and bytes above 127, through several
+// growths.
+TEST(Dictionary, KeepsToTheRulesOverManyTexts) {
+    for (bool const caseSensitive : {true, false}) {
+        std::mt19937 random(5);
+        Dictionary dictionary(caseSensitive);
+        Model model(caseSensitive);
+        for (int i = 0; i < 5000; ++i) {
+            std::string const text = randomText(random);
+            ASSERT_EQ(dictionary.GetKey(text.c_str()).GetValue(), model.GetKey(text));
+        }
+        EXPECT_EQ(contentOf(dictionary), model.All());
+        for (auto const & [value, text] : model.All()) {
+            Key key(77);
+            ASSERT_EQ(find(dictionary, text.c_str()), value);
+            ASSERT_TRUE(dictionary.FindKey(value, key));
+            ASSERT_EQ(dictionary.GetString(key), text);
+        }
+    }
+}
+
+// Hashes that all lie in the last 32nd of the range: no spreading out helps there.
+TEST(Dictionary, HashesMayCrowdAtTheUpperEnd) {
+    Dictionary dictionary;
+    Model model(true);
+    for (int i = 0; i < 50000; ++i) {
+        std::string const text = "name " + std::to_string(i);
+        if (NameHash(text.c_str()) >> 27 != 31)
+            continue;
+        ASSERT_EQ(dictionary.GetKey(text.c_str()).GetValue(), model.GetKey(text));
+    }
+    EXPECT_EQ(contentOf(dictionary), model.All());
+    for (auto const & [value, text] : model.All())
+        ASSERT_EQ(dictionary.GetString(Key(value)), text);
+}
+
+TEST(Dictionary, TextsStayWhereTheyAreUntilClear) {
+    _HMEMPOOL * const pool = MemPoolCreate("DictionaryTest", 0, 0, false);
+    Dictionary dictionary(pool, true);
+    char const * const first = dictionary.GetString(dictionary.GetKey("first"));
+    for (int i = 0; i < 1000; ++i)
+        dictionary.GetKey(("name " + std::to_string(i)).c_str());
+    EXPECT_EQ(dictionary.GetString(Key(NameHash("first"))), first);
+    EXPECT_STREQ(first, "first");
+    EXPECT_EQ(MemPoolGetStats(pool).liveBlocks, 1001u) << "one block each, and nothing else";
+
+    dictionary.Clear();
+    EXPECT_EQ(MemPoolGetStats(pool).liveBlocks, 0u);
+    EXPECT_STREQ(dictionary.GetString(Key(NameHash("first"))), "");
+    EXPECT_EQ(find(dictionary, "first"), 0u);
+    dictionary.Clear();
+    EXPECT_EQ(dictionary.GetKey("second").GetValue(), NameHash("second"));
+    EXPECT_EQ(contentOf(dictionary).size(), 1u);
+    dictionary.Clear();
+    MemPoolDestroy(pool);
+}
+
+TEST(Dictionary, GivesItsTextsBackToItsPool) {
+    MemoryPoolObj const pool("DictionaryTest", 0, 0, false);
+    std::size_t const inDefault = MemPoolGetStats(MemPoolDefault()).liveBlocks;
+    {
+        Dictionary own(pool.Get(), true), fromNull(nullptr, true), plain;
+        own.GetKey("name");
+        EXPECT_EQ(MemPoolGetStats(pool.Get()).liveBlocks, 1u);
+        EXPECT_EQ(MemPoolGetStats(MemPoolDefault()).liveBlocks, inDefault);
+        fromNull.GetKey("name");
+        plain.GetKey("name");
+        EXPECT_EQ(MemPoolGetStats(MemPoolDefault()).liveBlocks, inDefault + 2);
+    }
+    EXPECT_EQ(MemPoolGetStats(pool.Get()).liveBlocks, 0u);
+    EXPECT_EQ(MemPoolGetStats(MemPoolDefault()).liveBlocks, inDefault);
+}
+
+TEST(Dictionary, TheEditLockForbidsNothing) {
+    Dictionary dictionary;
+    dictionary.EditLock();
+    EXPECT_EQ(dictionary.GetKey("name").GetValue(), NameHash("name"));
+    dictionary.Clear();
+    EXPECT_TRUE(contentOf(dictionary).empty());
+    dictionary.EditUnlock();
+}
+
+TEST(Dictionary, TheOneOfTheProcessIsCaseBlind) {
+    Dictionary & dictionary = Dictionary::Instance();
+    EXPECT_EQ(&dictionary, &Dictionary::Instance());
+    EXPECT_STREQ(dictionary.GetString(dictionary.GetKey("Dictionary Test")), "dictionary test");
+}
+
+namespace {
+
+// Comes up before the process's dictionary and goes after its end.
+struct LateCaller {
+    ~LateCaller() {
+        if (!armed)
+            return;
+        Dictionary & dictionary = Dictionary::Instance();
+        Key key;
+        bool const isEmpty = !dictionary.FindKey("early", key) && contentOf(dictionary).empty();
+        bool const works = *dictionary.GetString(dictionary.GetKey("late")) == 'l';
+        if (!isEmpty || !works)
+            std::_Exit(1);
+    }
+
+    bool armed = false;
+} s_lateCaller;
+
+} // namespace
+
+TEST(DictionaryDeathTest, AtProcessEndTheOneOfTheProcessIsEmptiedAndStillThere) {
+    EXPECT_EXIT(
+        {
+            Dictionary::Instance().GetKey("early");
+            s_lateCaller.armed = true;
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
