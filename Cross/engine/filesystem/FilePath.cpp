@@ -58,9 +58,16 @@ FilePath::FILE_Type FilePath::GetFileType(char const * path) {
     FilePlace place;
     if (!FindPlace(path, MissingFolders::Leave, place))
         return FT_NONE;
-    if (place.kind == S_IFDIR)
+    switch (place.kind) {
+    case 0:
+        return FT_NONE;
+    case S_IFREG:
+        return FT_FILE;
+    case S_IFDIR:
         return FT_DIRECTORY;
-    return place.kind == S_IFREG ? FT_FILE : FT_NONE;
+    default:
+        return FT_OTHER;
+    }
 }
 
 bool FilePath::ConvertFromAlias(char * path, StreamMode, char const *) {

@@ -21,7 +21,7 @@
 
 class CROSS_ENGINE_API FilePath {
 public:
-    enum FILE_Type : unsigned int { FT_NONE = 0, FT_FILE = 1, FT_DIRECTORY = 2 };
+    enum FILE_Type : unsigned int { FT_NONE = 0, FT_FILE = 1, FT_DIRECTORY = 2, FT_OTHER = 3 };
 
     // Hears of changed files. `path` is "ALIAS:relative/path" as the alias and the path were attached, and
     // valid during the call.
@@ -50,7 +50,8 @@ public:
     // Opens a regular file. Writing creates it or replaces its content. Empty when it cannot be opened.
     static ByteStreamProxy OpenStream(char const * path, StreamMode mode);
 
-    // What stands at a path; FT_NONE also for whatever is neither a regular file nor a directory.
+    // What stands at a path. FT_NONE when nothing does, or nothing that the path may reach; FT_OTHER for a
+    // device, pipe or socket, which does not open.
     static FILE_Type GetFileType(char const * path);
 
     // Rewrites an aliased path in place into the real one, in a buffer of 260 characters; a path without
@@ -63,7 +64,8 @@ public:
     // again does nothing.
     static void AttachFileChangeNotification(char const * path, IFileChangeNotify * listener);
 
-    // A null path detaches the listener from all paths. The listener is not called any more for what it was
+    // A null path detaches the listener from all paths; one with an alias may differ in the alias's case and
+    // in its slashes from the path that was attached. The listener is not called any more for what it was
     // detached from once this returns, unless it is called from inside the listener itself.
     static void DetachFileChangeNotification(IFileChangeNotify * listener, char const * path);
 

@@ -1,5 +1,6 @@
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
+#include "tests/support/SlotOf.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -104,7 +105,7 @@ constexpr ReadCase c_readCases[] = {
     {"DATA:alsoArt/back", "plain", FilePath::FT_FILE},
     {"DATA:absolute/tank.tga", "tank", FilePath::FT_FILE},
     // what is neither file nor folder; the open must not wait for somebody at the other end
-    {"DATA:pipe", "-", FilePath::FT_NONE},
+    {"DATA:pipe", "-", FilePath::FT_OTHER},
     {"", "-", FilePath::FT_NONE},
 };
 
@@ -123,6 +124,14 @@ TEST_F(FilePathTest, ReadsThroughAliases) {
         EXPECT_EQ(contentOf(row.path), row.content);
         EXPECT_EQ(FilePath::GetFileType(row.path), row.type);
     }
+    // the path as it is given counts, not what it leads to
+    std::string const longest =
+        "DATA:" + std::string(c_maxPath - 1 - 14, '/').replace(0, 1, ".") + "plain.txt";
+    ASSERT_EQ(longest.size(), c_maxPath - 1);
+    EXPECT_EQ(contentOf(longest), "plain");
+    EXPECT_EQ(contentOf("DATA:./" + longest.substr(6)), "-");
+    EXPECT_EQ(FilePath::GetFileType(("DATA:./" + longest.substr(6)).c_str()), FilePath::FT_NONE);
+
     EXPECT_FALSE(FilePath::OpenStream("DATA:plain.txt", 0));
     EXPECT_FALSE(FilePath::OpenStream("DATA:plain.txt", 3));
     EXPECT_FALSE(FilePath::OpenStream(nullptr, c_streamRead));
@@ -223,6 +232,12 @@ TEST_F(FilePathTest, RawPathsOpenAsTheyStand) {
     std::string const tooLong = pathOfLength(folder.Path().string(), c_maxPath);
     EXPECT_FALSE(canWrite(tooLong));
     EXPECT_FALSE(stdfs::exists(tooLong));
+    for (auto const & [path, opens] : {std::pair(longest, true), std::pair(tooLong, false)}) {
+        std::u16string const wide(path.begin(), path.end());
+        std::unique_ptr<ByteStream> const opened(
+            FilePathHDRaw::UnaliasedFileOpen(wide.c_str(), c_streamWrite, false));
+        EXPECT_EQ(opened != nullptr, opens);
+    }
 
     // a ':' is an ordinary character to the unaliased form
     std::string const odd = (folder / "odd").string();
@@ -240,6 +255,13 @@ TEST_F(FilePathTest, RawPathsOpenAsTheyStand) {
         FilePathHDRaw::UnaliasedFileOpen(static_cast<char16_t const *>(nullptr), c_streamRead, false));
     stdfs::current_path("/");
 }
+
+#if defined(__x86_64__)
+TEST(FilePath, ListenersKeepTheirSlots) {
+    EXPECT_EQ(SlotOf(&FilePath::IFileChangeNotify::OnFileChanged), 0u);
+    EXPECT_TRUE(FollowTheDestructor({SlotOf(&FilePath::Listener::OnFileOpen)}));
+}
+#endif
 
 class OpenLog : public FilePath::Listener {
 public:
