@@ -68,6 +68,17 @@ bool sync(int file) {
     return ::fsync(file) == 0;
 }
 
+// Whether another file may take the name of the one that is there. In a folder like /tmp that is up to the
+// owners, even where everybody may write.
+bool mayReplace(int folder, struct stat const & old) {
+    struct stat status;
+    if (!MayWrite(folder, ".") || ::fstat(folder, &status) != 0)
+        return false;
+    uid_t const user = ::geteuid();
+    bool const isUpToOwners = (status.st_mode & S_ISVTX) != 0;
+    return !isUpToOwners || user == 0 || user == old.st_uid || user == status.st_uid;
+}
+
 } // namespace
 
 FileFaults & FileFaults::Instance() {
@@ -162,7 +173,7 @@ bool FileWriteStream::replace() {
     bool const exists = ::fstatat(folder, place.name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
     if (!exists || !IsSmallRegular(old) || !MayWrite(folder, place.name.c_str()))
         return false;
-    if (MayWrite(folder, ".")) {
+    if (mayReplace(folder, old)) {
         if (createTemporary(old))
             return true;
         if (errno != EACCES && errno != EPERM)

@@ -5,7 +5,8 @@
 //
 // A file that exists is not touched while its new content is written: that goes to a temporary file beside
 // it, which takes the name at the first flush, or when the stream closes and every write succeeded. Where the
-// folder takes no new files the content waits in memory instead and is copied over the file at that moment. A
+// folder takes no new files, or keeps the name for another owner's file, the content waits in memory instead
+// and is copied over the file at that moment. A
 // file that does not exist yet is created at once, and removed again when writing it fails before the first
 // flush.
 //

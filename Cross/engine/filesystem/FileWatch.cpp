@@ -1,9 +1,12 @@
 #include "Cross/engine/filesystem/FileWatch.h"
 
+#include "Cross/engine/core/Text.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/filesystem/FilePlace.h"
+#include "Cross/engine/filesystem/PathText.h"
 
 #include <algorithm>
+#include <cstring>
 #include <set>
 #include <utility>
 
@@ -14,6 +17,18 @@ namespace {
 std::string withoutLastSlashes(std::string path) {
     while (path.size() > 1 && (path.back() == '/' || path.back() == '\\'))
         path.pop_back();
+    return path;
+}
+
+// The one spelling of all that name the same place whatever stands there: the case of an alias and the kind
+// of slash behind it do not count.
+std::string unified(std::string path) {
+    char alias[c_maxPath];
+    if (!fs::RetrieveAlias(path.c_str(), alias))
+        return path;
+    text::ToLower(alias);
+    path.replace(0, std::strlen(alias), alias);
+    std::replace(path.begin(), path.end(), '\\', '/');
     return path;
 }
 
@@ -43,9 +58,9 @@ void FileWatch::Attach(char const * path, FilePath::IFileChangeNotify * listener
 
 void FileWatch::Detach(FilePath::IFileChangeNotify * listener, char const * path) {
     std::unique_lock lock(mutex);
-    std::string const attached = path ? withoutLastSlashes(path) : "";
+    std::string const attached = path ? unified(withoutLastSlashes(path)) : "";
     for (auto const & tree : trees) {
-        if (!path || tree->Attached() == attached)
+        if (!path || unified(tree->Attached()) == attached)
             std::erase(tree->listeners, listener);
     }
     std::erase_if(trees, [](auto const & tree) { return tree->listeners.empty(); });

@@ -13,6 +13,7 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -202,6 +203,21 @@ TEST_F(FileStreamTest, AFolderWithoutWriteRightIsWrittenInPlace) {
     EXPECT_EQ(trace.lines.size(), 1u);
     EXPECT_EQ(content(), "old");
 
+    // no room for the new content shows before the old one is touched
+    auto const oldHandler = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old;
+    ::getrlimit(RLIMIT_FSIZE, &old);
+    rlimit const low{50'000, old.rlim_max};
+    stream = open(file, c_streamWrite);
+    put(*stream, std::string(100'000, 'x'));
+    ::setrlimit(RLIMIT_FSIZE, &low);
+    EXPECT_FALSE(stream->Flush());
+    ::setrlimit(RLIMIT_FSIZE, &old);
+    std::signal(SIGXFSZ, oldHandler);
+    stream.reset();
+    EXPECT_EQ(trace.lines.size(), 2u);
+    EXPECT_EQ(content(), "old");
+
     ASSERT_TRUE(save(file));
     EXPECT_EQ(content(), std::string(200'000, 'n'));
     stream = open(file, c_streamWrite);
@@ -212,6 +228,19 @@ TEST_F(FileStreamTest, AFolderWithoutWriteRightIsWrittenInPlace) {
     EXPECT_EQ(content(), "shorter");
 
     EXPECT_EQ(folder.ReadFile("same"), "shorter");
+}
+
+TEST_F(FileStreamTest, AFileOfSomebodyElseInAStickyFolderIsWrittenInPlace) {
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser can be two users";
+    ::chmod(folder.Path().c_str(), 01777);
+    ::chmod(file.c_str(), 0666);
+    ASSERT_EQ(::seteuid(65534), 0);
+    bool const saved = save(file);
+    ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_TRUE(saved);
+    EXPECT_EQ(content(), std::string(200'000, 'n'));
+    EXPECT_EQ(folder.CountEntries(), 1u);
 }
 
 TEST_F(FileStreamTest, FilesMayGoWhileTheyAreOpen) {

@@ -210,7 +210,8 @@ TEST_F(FileWatchTest, OneCallPerPathAndListener) {
     append(tank, "x");
     EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
     EXPECT_EQ(recorder.calls, 1u);
-    FilePath::DetachFileChangeNotification(&recorder, "DATA:");
+    FilePath::DetachFileChangeNotification(&recorder, "DATA:other");
+    FilePath::DetachFileChangeNotification(&recorder, "data:\\");
     append(tank, "x");
     append(folder / "root/top.txt", "x");
     EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
