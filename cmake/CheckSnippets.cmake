@@ -1,6 +1,6 @@
 # Checks that the C++ blocks of the guides are the code they claim to be: cmake -D ROOT=. -P cmake/CheckSnippets.cmake
 #
-# In a guide, docs/*.md, each ```cpp block stands right below a line "<!-- [name] -->". In a source, tests/docs/*.cpp, the
+# In a guide, docs/*.md and README.md, each ```cpp block stands right below a line "<!-- [name] -->". In a source, tests/docs/*.cpp, the
 # same code stands between two lines "// [name]", indented as they are. Blank lines at its ends do not count.
 
 cmake_minimum_required(VERSION 3.25)
@@ -55,7 +55,7 @@ function(check_guide guide)
     endwhile()
 endfunction()
 
-file(GLOB guides "${ROOT}/docs/*.md")
+file(GLOB guides "${ROOT}/docs/*.md" "${ROOT}/README.md")
 if(NOT guides)
     message(FATAL_ERROR "No guides in ${ROOT}/docs")
 endif()
