@@ -1,5 +1,5 @@
-// Runs a fuzz target over every file of the folders named on the command line, so that the seeds and past findings are
-// replayed by compilers without libFuzzer. Fails when there is nothing to replay.
+// Runs a fuzz target over every file of the folders named on the command line, so that the seeds and past
+// findings are replayed by compilers without libFuzzer. Fails when there is nothing to replay.
 
 #include <cstddef>
 #include <cstdint>

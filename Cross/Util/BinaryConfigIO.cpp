@@ -10,6 +10,7 @@
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 
 #include <algorithm>
+#include <cinttypes>
 #include <exception>
 #include <stdexcept>
 #include <string>
@@ -39,8 +40,8 @@ void requireImageSize(unsigned int size, std::uint64_t bytesLeft, ByteStream con
     if (size >= c_smallestImage && size <= bytesLeft)
         return;
     std::string message;
-    text::Printf(message, "%s: an image of %u bytes in a chunk with %llu bytes left", stream.GetStreamName(),
-                 size, static_cast<unsigned long long>(bytesLeft));
+    text::Printf(message, "%s: an image of %u bytes in a chunk with %" PRIu64 " bytes left",
+                 stream.GetStreamName(), size, bytesLeft);
     throw std::runtime_error(message);
 }
 

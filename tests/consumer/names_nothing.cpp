@@ -1,5 +1,5 @@
-// A program that links the library and names nothing of it must load it all the same: libraries of script functions enter
-// themselves at load.
+// A program that links the library and names nothing of it must load it all the same: libraries of script
+// functions enter themselves at load.
 
 #include <cstdio>
 #include <fstream>

@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-// Takes the warnings of one category while it lives and keeps their texts, the lines of one joined by "\n". One at a time.
+// Takes the warnings of one category while it lives and keeps their texts, the lines of one joined by "\n".
+// One at a time.
 class WarningCapture {
 public:
     explicit WarningCapture(std::uint32_t category);

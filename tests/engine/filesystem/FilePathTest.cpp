@@ -36,22 +36,22 @@ bool canWrite(std::string const & path) {
     return stream && stream->Write("new", 3) == 3;
 }
 
-// "DATA:" leads to "root"; beside it lies what no aliased path may reach.
+// "DATA:" leads to "base"; beside it lies what no aliased path may reach.
 class FilePathTest : public testing::Test {
 protected:
     FilePathTest() {
-        folder.WriteFile("root/Art/Tank.tga", "tank");
-        folder.WriteFile("root/plain.txt", "plain");
-        folder.WriteFile("root/a", "small a");
-        folder.WriteFile("root/A", "big A");
+        folder.WriteFile("base/Art/Tank.tga", "tank");
+        folder.WriteFile("base/plain.txt", "plain");
+        folder.WriteFile("base/a", "small a");
+        folder.WriteFile("base/A", "big A");
         folder.WriteFile("outside.txt", "outside");
-        FilePath::SetAlias("DATA", (folder / "root").c_str());
+        FilePath::SetAlias("DATA", (folder / "base").c_str());
     }
 
     ~FilePathTest() override { FilePath::RemoveAlias("DATA"); }
 
     void link(char const * target, char const * name) const {
-        stdfs::create_symlink(target, folder / "root" / name);
+        stdfs::create_symlink(target, folder / "base" / name);
     }
 
     struct Folder : TemporaryFolder {
@@ -91,7 +91,7 @@ constexpr ReadCase c_readCases[] = {
     {"DATA:../outside.txt", "-", FilePath::FT_NONE},
     {"DATA:..\\outside.txt", "-", FilePath::FT_NONE},
     {"DATA:art/../../outside.txt", "-", FilePath::FT_NONE},
-    {"DATA:../root/plain.txt", "-", FilePath::FT_NONE},
+    {"DATA:../base/plain.txt", "-", FilePath::FT_NONE},
     {"DATA:..", "-", FilePath::FT_NONE},
     {"DATA:/etc/passwd", "-", FilePath::FT_NONE},
     {"DATA:\\etc\\passwd", "-", FilePath::FT_NONE},
@@ -117,8 +117,8 @@ TEST_F(FilePathTest, ReadsThroughAliases) {
     link("nowhere", "dangling");
     link("Art", "alsoArt");
     link("../plain.txt", "Art/back");
-    link((folder / "root/Art").c_str(), "absolute");
-    ASSERT_EQ(::mkfifo((folder / "root/pipe").c_str(), 0666), 0);
+    link((folder / "base/Art").c_str(), "absolute");
+    ASSERT_EQ(::mkfifo((folder / "base/pipe").c_str(), 0666), 0);
     for (ReadCase const & row : c_readCases) {
         SCOPED_TRACE(row.path);
         EXPECT_EQ(contentOf(row.path), row.content);
@@ -146,15 +146,15 @@ TEST_F(FilePathTest, WritesInsideTheAliasOnly) {
           "DATA:", "DATA:new/", "DATA:new/.", "NONE:new.txt", "DATA:plain.txt/new.txt"})
         EXPECT_FALSE(canWrite(path)) << path;
     EXPECT_EQ(folder.CountEntries(), 2u);
-    EXPECT_FALSE(stdfs::exists(folder / "root/new"));
+    EXPECT_FALSE(stdfs::exists(folder / "base/new"));
 
     // missing folders are created, existing ones are found in their own spelling; a new file keeps its own
     EXPECT_TRUE(canWrite("DATA:ART\\New\\File.txt"));
-    EXPECT_EQ(folder.ReadFile("root/Art/New/File.txt"), "new");
+    EXPECT_EQ(folder.ReadFile("base/Art/New/File.txt"), "new");
     EXPECT_TRUE(canWrite("DATA:PLAIN.txt"));
-    EXPECT_EQ(folder.ReadFile("root/plain.txt"), "new");
+    EXPECT_EQ(folder.ReadFile("base/plain.txt"), "new");
     EXPECT_TRUE(canWrite("DATA:dangling"));
-    EXPECT_EQ(folder.ReadFile("root/target.txt"), "new");
+    EXPECT_EQ(folder.ReadFile("base/target.txt"), "new");
 
     // the alias's own directory too
     ASSERT_TRUE(FilePath::SetAlias("data", (folder / "later/logs").c_str()));
@@ -177,7 +177,7 @@ TEST_F(FilePathTest, RefusesBadAliases) {
 TEST_F(FilePathTest, ConvertsToRealPaths) {
     link("..", "up");
     link("Art", "alsoArt");
-    std::string const root = (folder / "root").string();
+    std::string const root = (folder / "base").string();
 
     struct {
         std::string path;
@@ -219,12 +219,12 @@ std::string pathOfLength(std::string path, std::size_t length) {
 }
 
 TEST_F(FilePathTest, RawPathsOpenAsTheyStand) {
-    std::string const plain = (folder / "root/plain.txt").string();
+    std::string const plain = (folder / "base/plain.txt").string();
     EXPECT_EQ(contentOf(plain), "plain");
-    EXPECT_EQ(contentOf((folder / "root/Plain.txt").string()), "-");
+    EXPECT_EQ(contentOf((folder / "base/Plain.txt").string()), "-");
     EXPECT_FALSE(canWrite((folder / "missing/new.txt").string()));
-    EXPECT_FALSE(canWrite((folder / "root").string()));
-    EXPECT_EQ(FilePath::GetFileType((folder / "root/").c_str()), FilePath::FT_DIRECTORY);
+    EXPECT_FALSE(canWrite((folder / "base").string()));
+    EXPECT_EQ(FilePath::GetFileType((folder / "base/").c_str()), FilePath::FT_DIRECTORY);
 
     std::string const longest = pathOfLength(folder.Path().string(), c_maxPath - 1);
     EXPECT_TRUE(canWrite(longest));
@@ -279,7 +279,7 @@ TEST_F(FilePathTest, ListenersHearOfEveryOpenThatSucceeds) {
     OpenLog log;
     FilePath::AttachListener(&log);
     FilePath::AttachListener(&log);
-    std::string const raw = (folder / "root/plain.txt").string();
+    std::string const raw = (folder / "base/plain.txt").string();
     FilePath::OpenStream("data:Plain.txt", c_streamRead);
     FilePath::OpenStream("DATA:missing", c_streamRead);
     FilePath::OpenStream("DATA:plain.txt", c_streamWrite);
