@@ -113,13 +113,16 @@ struct Label {
 
 Label labelOf(char const * text) { return load<Label>(text - sizeof(Label)); }
 
-void setLabel(char * text, Label const & label) { std::memcpy(text - sizeof(label), &label, sizeof(label)); }
-
-char * allocateText(_HMEMPOOL * pool, std::size_t length) {
+char * storeText(_HMEMPOOL * pool, char const * text, std::size_t length, std::uint32_t key) {
     if (length >= std::numeric_limits<unsigned int>::max() - sizeof(Label))
         throw std::bad_alloc();
-    unsigned int const size = static_cast<unsigned int>(sizeof(Label) + length + 1);
-    return static_cast<char *>(MemPoolAlloc(pool, size)) + sizeof(Label);
+    Label const label = {static_cast<std::uint32_t>(length), key};
+    char * const block =
+        static_cast<char *>(MemPoolAlloc(pool, static_cast<unsigned int>(sizeof(label) + length + 1)));
+    std::memcpy(block, &label, sizeof(label));
+    std::memcpy(block + sizeof(label), text, length);
+    block[sizeof(label) + length] = '\0';
+    return block + sizeof(label);
 }
 
 void freeText(_HMEMPOOL * pool, char const * text) {
@@ -139,7 +142,7 @@ struct Question {
 };
 
 // Folds what counts of a text into the buffer and gives its length.
-std::size_t foldLong(char const * text, std::size_t length, FoldBuffer & buffer) {
+std::size_t foldText(char const * text, std::size_t length, FoldBuffer & buffer) {
     length = std::min(length, c_maxFolded);
     std::transform(text, text + length, buffer, [](char c) { return text::ToLower(c); });
     return length;
@@ -149,7 +152,7 @@ Question ask(char const * text, bool caseSensitive, FoldBuffer & buffer) {
     std::size_t length = std::strlen(text);
     if (length > c_maxInWords) {
         if (!caseSensitive) {
-            length = foldLong(text, length, buffer);
+            length = foldText(text, length, buffer);
             text = buffer;
         }
         return {text, length, static_cast<std::uint32_t>(hashOfLong(text, length) >> 32), true};
@@ -169,14 +172,10 @@ bool isAnswer(char const * stored, char const * text, std::size_t length, bool i
                     : sameWords<lowerCased>(text, stored, length);
 }
 
-// A copy without a label yet.
-char * storeText(_HMEMPOOL * pool, Question const & question) {
-    char * const text = allocateText(pool, question.length);
-    std::memcpy(text, question.text, question.length);
-    text[question.length] = '\0';
-    if (!question.isFolded)
-        std::transform(text, text + question.length, text, [](char c) { return text::ToLower(c); });
-    return text;
+Question folded(Question const & question, FoldBuffer & buffer) {
+    if (question.isFolded)
+        return question;
+    return {buffer, foldText(question.text, question.length, buffer), question.hash, true};
 }
 
 // -- Tables
@@ -196,8 +195,9 @@ public:
     // A table without slots: nothing is found in it.
     SpreadTable() = default;
 
-    explicit SpreadTable(unsigned int bits)
-        : shift(32 - bits), marks(slotCount(bits) + c_wordSize), items(slotCount(bits)) {}
+    // `spread` slots are homes of numbers. The run at the upper end continues in a few slots more.
+    explicit SpreadTable(std::size_t spread)
+        : spread(spread), marks(spread + c_overflow + c_wordSize), items(spread + c_overflow) {}
 
     // The item under the number for which `matches` holds, null when there is none.
     template <class Matches>
@@ -252,10 +252,11 @@ public:
     }
 
 private:
-    // The run at the upper end continues in a few slots more.
-    static std::size_t slotCount(unsigned int bits) { return (std::size_t{1} << bits) + 4 * bits; }
+    static constexpr std::size_t c_overflow = 32;
 
-    std::size_t homeOf(std::uint32_t number) const { return number >> shift; }
+    std::size_t homeOf(std::uint32_t number) const {
+        return static_cast<std::size_t>(std::uint64_t{number} * spread >> 32);
+    }
 
     // The lowest bits have the least say in the home; bit 7 is what tells a mark from a gap.
     static std::uint8_t markOf(std::uint32_t number) { return static_cast<std::uint8_t>(number | 0x80); }
@@ -276,7 +277,7 @@ private:
         return static_cast<std::size_t>(std::countr_zero(bits)) / 8;
     }
 
-    unsigned int shift = 0;
+    std::size_t spread = 0;
     std::vector<std::uint8_t> marks; // 0 in a gap; a word of gaps more than there are items
     std::vector<Item> items;
 };
@@ -306,13 +307,13 @@ struct Dictionary::Entries {
         return index ? &names[*index] : nullptr;
     }
 
+    // Stores a folded text that is not known yet and gives its key.
     std::uint32_t Add(Question const & question, _HMEMPOOL * pool) {
         makeRoom();
-        char * const text = storeText(pool, question);
-        std::uint32_t key = NameHash(text, question.length);
+        std::uint32_t key = NameHash(question.text, question.length);
         while (Find(key))
             ++key;
-        setLabel(text, {static_cast<std::uint32_t>(question.length), key});
+        char const * const text = storeText(pool, question.text, question.length, key);
         byKey.Insert(key, static_cast<std::uint32_t>(names.size()));
         byHash.Insert(question.hash, text);
         names.push_back({text, key, question.hash});
@@ -343,21 +344,20 @@ private:
     }
 
     void grow() {
-        SpreadTable<std::uint32_t> widerByKey(bits + 1);
-        SpreadTable<char const *> widerByHash(bits + 1);
+        std::size_t const spread = std::max<std::size_t>(12, names.capacity() * 9 / 4);
+        SpreadTable<std::uint32_t> widerByKey(spread);
+        SpreadTable<char const *> widerByHash(spread);
         for (std::size_t i = 0; i < names.size(); ++i) {
             widerByKey.MakeRoom();
             widerByKey.Insert(names[i].key, static_cast<std::uint32_t>(i));
             widerByHash.MakeRoom();
             widerByHash.Insert(names[i].hash, names[i].text);
         }
-        names.reserve((std::size_t{4} << (bits + 1)) / 5); // fuller tables have too long runs
+        names.reserve(spread / 3 * 2); // fuller tables have too long runs
         byKey = std::move(widerByKey);
         byHash = std::move(widerByHash);
-        ++bits;
     }
 
-    unsigned int bits = 3;            // the tables have 2 to this power slots, as soon as there is a name
     SpreadTable<std::uint32_t> byKey; // indices into names
     SpreadTable<char const *> byHash;
 };
@@ -387,7 +387,7 @@ Dictionary::Key Dictionary::GetKey(char const * text) {
     FoldBuffer buffer;
     Question const question = ask(text, caseSensitive, buffer);
     char const * const known = entries->Find(question);
-    return Key(known ? labelOf(known).key : entries->Add(question, pool));
+    return Key(known ? labelOf(known).key : entries->Add(folded(question, buffer), pool));
 }
 
 bool Dictionary::FindKey(char const * text, Key & key) const {
