@@ -73,7 +73,7 @@ public:
     ChunkHeader ReadFolderChunk(std::uint32_t id, std::uint32_t version);
 
     // Tells the next chunk of the open folder, or of the file, without entering it. False at the end; damage
-    // throws.
+    // throws. In both cases `info` stays as it was.
     bool PeekChunk(ChunkInfo & info);
 
     // Ends the chunk entered or begun last. A reader stands behind the chunk afterwards, however much of it

@@ -65,8 +65,10 @@ TEST(SmallVector, AnElementOfItsOwnCanBeAppended) {
     Numbers numbers;
     for (int i = 1; i <= 4; ++i)
         numbers.push_back(i);
-    numbers.push_back(numbers[0]); // grows, and so moves the element
-    EXPECT_EQ(numbers[4], 1);
+    for (int i = 4; i <= 8; ++i) {
+        numbers.push_back(numbers[0]); // grows at 4 and at 8, and so moves the element
+        EXPECT_EQ(numbers[static_cast<std::size_t>(i)], 1);
+    }
 }
 
 TEST(SmallVector, ExhaustionChangesNothing) {

@@ -48,6 +48,7 @@ TEST(Utf, ReplacesEachBadSequenceAndKeepsTheTextBehindIt) {
         // overlong forms of '/', a surrogate, a code above the last one, bytes that never occur
         {"\xC0\xAF", u"\xFFFD\xFFFD"},
         {"\xE0\x80\xAF", u"\xFFFD\xFFFD\xFFFD"},
+        {"\xF0\x80\x80\xAF", u"\xFFFD\xFFFD\xFFFD\xFFFD"},
         {"\xED\xA0\x80", u"\xFFFD\xFFFD\xFFFD"},
         {"\xF4\x90\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},
         {"\xF5\xFE\xFF", u"\xFFFD\xFFFD\xFFFD"},
@@ -72,5 +73,6 @@ TEST(Utf, TextCutInsideACharacterIsOneBadSequence) {
 TEST(Utf, ReplacesLoneSurrogates) {
     EXPECT_EQ(utf::ToUtf8(u"a\xD83Dz"), "a\xEF\xBF\xBDz");
     EXPECT_EQ(utf::ToUtf8(u"\xDDE1\xD83D"), "\xEF\xBF\xBD\xEF\xBF\xBD");
+    EXPECT_EQ(utf::ToUtf8(std::u16string_view(u"\xD83D\xDDE1", 1)), "\xEF\xBF\xBD"); // cut inside a pair
     EXPECT_EQ(utf::ToUtf8(u"\xD83D\xD83D\xDDE1"), "\xEF\xBF\xBD\xF0\x9F\x97\xA1");
 }

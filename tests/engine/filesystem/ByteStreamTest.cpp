@@ -152,15 +152,19 @@ TEST(ByteStreamAdapter, NothingEmptyReachesTheStream) {
 }
 
 TEST(ByteStreamAdapter, ShortTransfersThrowWithStreamAndOffset) {
-    FilledStream memory("0123456789");
-    FailingStream stream(memory, 7);
-    ByteStreamAdapter adapter(&stream, nullptr);
-    int value = 0;
-    adapter.Read(value);
-    EXPECT_EQ(ReasonOf([&] { adapter.Read(value); }),
-              "'RamStream' at offset 4: only 3 of 4 bytes could be read");
-    EXPECT_EQ(ReasonOf([&] { adapter.Write(value); }),
-              "'RamStream' at offset 7: only 0 of 4 bytes could be written");
+    EndianConvertor converter(2);
+    ByteStreamConverter * const converters[] = {nullptr, &converter};
+    for (ByteStreamConverter * each : converters) {
+        FilledStream memory("0123456789");
+        FailingStream stream(memory, 7);
+        ByteStreamAdapter adapter(&stream, each);
+        int value = 0;
+        adapter.Read(value);
+        EXPECT_EQ(ReasonOf([&] { adapter.Read(value); }),
+                  "'RamStream' at offset 4: only 3 of 4 bytes could be read");
+        EXPECT_EQ(ReasonOf([&] { adapter.Write(value); }),
+                  "'RamStream' at offset 7: only 0 of 4 bytes could be written");
+    }
     EXPECT_THROW(ByteStreamAdapter(nullptr, nullptr), std::invalid_argument);
 }
 

@@ -236,23 +236,26 @@ TEST(ChunkyReader, ReadsAndMovesAreBoundedByTheOpenChunk) {
     chunky.ReadFolderChunk(c_menu, 1);
     EXPECT_THROW(chunky.Read(word), std::exception); // a folder holds chunks only
     chunky.ReadDataChunk(c_item, 2);
-    EXPECT_THROW(chunky.ReadDataChunk(c_item, 2), std::exception);
+    std::string const noFolder = "chunk 'ITEM' at offset 39 of 'RamStream': a data chunk holds no chunks";
+    EXPECT_EQ(ReasonOf([&] { chunky.ReadDataChunk(c_item, 2); }), noFolder);
     Chunky::ChunkInfo info;
-    EXPECT_THROW(chunky.PeekChunk(info), std::exception);
-    chunky.Read(word);
+    EXPECT_EQ(ReasonOf([&] { chunky.PeekChunk(info); }), noFolder);
+    std::string text;
+    EXPECT_EQ(ReasonOf([&] { chunky.ReadString(text); }),
+              "'RamStream' at offset 63: a text of 7 bytes exceeds the 3 bytes left");
     EXPECT_EQ(ReasonOf([&] { chunky.Read(word); }),
               "chunk 'ITEM' at offset 39 of 'RamStream': 4 bytes at offset 63 exceed the 3 bytes left");
     EXPECT_EQ(chunky.GetStreamPos(), 63u); // nothing was read
-    std::string text;
-    EXPECT_THROW(chunky.ReadString(text), std::exception);
-    EXPECT_THROW(chunky.Write(word), std::exception);
+    EXPECT_EQ(ReasonOf([&] { chunky.Write(word); }),
+              "chunk 'ITEM' at offset 39 of 'RamStream': the chunk is being read and cannot be written");
 
     chunky.SetStreamPos(66);
     chunky.SetStreamPos(59);
     EXPECT_EQ(ReasonOf([&] { chunky.SetStreamPos(58); }),
               "chunk 'ITEM' at offset 39 of 'RamStream': position 58 is not from 59 to 66");
     EXPECT_THROW(chunky.SetStreamPos(67), std::exception);
-    EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
+    EXPECT_EQ(ReasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }),
+              "'RamStream' at offset 59: the chunk file is being read and cannot be written");
 }
 
 TEST(ChunkyReader, AFolderCanBeReadAgain) {
@@ -278,6 +281,14 @@ TEST(ChunkyReader, AFileCutAtAnyByteThrows) {
         FailingStream stream(memory, size);
         EXPECT_THROW(readExample(stream, 0), std::exception) << size;
     }
+    // a name that breaks off tells nothing of its chunk
+    FilledStream memory(whole);
+    FailingStream stream(memory, 38);
+    Chunky chunky(&stream, 0);
+    Chunky::ChunkInfo info;
+    EXPECT_THROW(chunky.PeekChunk(info), std::exception);
+    EXPECT_EQ(info.id, 0u);
+    EXPECT_EQ(info.name, "");
 }
 
 TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
@@ -329,17 +340,21 @@ TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
 TEST(ChunkyReader, DamagedHeadersThrow) {
     std::string kind = exampleBytes();
     patch(kind, 16, 3);
-    std::string tail = exampleBytes() + std::string(19, '\0');
-    for (std::string const & bytes : {kind, tail}) {
-        FilledStream stream(bytes);
-        Chunky chunky(stream, 0);
-        Chunky::ChunkInfo info;
-        EXPECT_THROW(
-            while (chunky.PeekChunk(info)) {
-                chunky.ReadFolderChunk(info.id, info.version);
-                chunky.PopChunk();
-            },
-            std::exception);
+    std::string narrow = exampleBytes(); // the folder ends inside the header of its chunk
+    patch(narrow, 28, 19);
+
+    struct Case {
+        std::string bytes;
+        char const * reason;
+    };
+
+    Case const cases[] = {
+        {kind, "chunk 'MENU' at offset 16 of 'RamStream': kind 3 is neither folder nor data"},
+        {narrow, "'RamStream' at offset 39: the 19 bytes left are too few for a chunk"},
+    };
+    for (Case const & row : cases) {
+        FilledStream stream(row.bytes);
+        EXPECT_EQ(ReasonOf([&] { readExample(stream, 0); }), row.reason);
     }
 }
 
@@ -393,8 +408,10 @@ TEST(ChunkyWriter, GoingBackOverwritesInsideTheOpenChunk) {
     EXPECT_THROW(chunky.SetStreamPos(start - 1), std::exception);
     EXPECT_THROW(chunky.SetStreamPos(start + 7), std::exception);
     std::uint32_t word = 0;
-    EXPECT_THROW(chunky.Read(word), std::exception);
-    EXPECT_THROW(chunky.ReadDataChunk(c_item, 1), std::exception);
+    EXPECT_EQ(ReasonOf([&] { chunky.Read(word); }),
+              "chunk 'ITEM' at offset 16 of 'RamStream': the chunk is being written and cannot be read");
+    EXPECT_EQ(ReasonOf([&] { chunky.ReadDataChunk(c_item, 1); }),
+              "'RamStream' at offset 38: the chunk file is being written and cannot be read");
     EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception); // a data chunk holds no chunks
     chunky.PopChunk(); // ends behind everything that was written, wherever the position is
     EXPECT_THROW(chunky.WriteBytes("x", 1), std::exception);
@@ -463,13 +480,23 @@ TEST(ChunkyWriter, AFailedWriteGivesTheFileUp) {
         EXPECT_EQ(reason == "no exception", budget == whole) << budget << ": " << reason;
         EXPECT_EQ(stream.IsDiscarded(), budget < whole) << budget;
     }
-    FilledStream memory;
-    FailingStream stream(memory, 17);
-    Chunky chunky(&stream, 1);
-    EXPECT_THROW(chunky.WriteDataChunk(c_item, 1, -1), std::exception);
-    EXPECT_EQ(ReasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }),
-              "'RamStream' at offset 16: an earlier write failed, the chunk file is given up");
-    EXPECT_THROW(chunky.PopChunk(), std::exception);
+    // inside the header of a chunk, its bytes, its size
+    for (unsigned int const budget : {17u, 38u, 42u}) {
+        FilledStream memory;
+        FailingStream stream(memory, budget);
+        Chunky chunky(&stream, 1);
+        EXPECT_THROW(
+            {
+                chunky.WriteDataChunk(c_item, 1, -1);
+                chunky.Write(std::uint32_t{7});
+                chunky.PopChunk();
+            },
+            std::exception);
+        std::string const reason = "'RamStream' at offset " + std::to_string(chunky.GetStreamPos()) +
+                                   ": an earlier write failed, the chunk file is given up";
+        EXPECT_EQ(ReasonOf([&] { chunky.WriteDataChunk(c_item, 1, -1); }), reason);
+        EXPECT_EQ(ReasonOf([&] { chunky.PopChunk(); }), reason);
+    }
 }
 
 TEST(ChunkyWriter, OnlyAWriterWithAnOpenChunkDiscards) {

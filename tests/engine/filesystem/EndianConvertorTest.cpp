@@ -131,6 +131,7 @@ TEST(EndianConvertor, CountsTheBytesThatPassed) {
     memory->SetPos(0);
     FailingStream reading(memory, 6);
     converter.SetStream(&reading);
+    EXPECT_EQ(converter.Read(values.data(), 0x40000001), 0u);
     EXPECT_EQ(converter.Read(values.data(), 5000), 6u);
 }
 

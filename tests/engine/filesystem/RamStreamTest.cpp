@@ -13,11 +13,16 @@ TEST(RamStream, GrowsAndOverwrites) {
     RamStream stream;
     ASSERT_TRUE(stream.Open(1, c_streamWrite));
     std::string expected;
+    void const * buffer = nullptr;
+    int moves = 0;
     for (int i = 0; i < 1000; ++i) {
         std::string const line = "line " + std::to_string(i) + "\n";
         EXPECT_EQ(stream.Write(line.data(), static_cast<unsigned int>(line.size())), line.size());
         expected += line;
+        moves += buffer != stream.GetBuffer();
+        buffer = stream.GetBuffer();
     }
+    EXPECT_LE(moves, 14); // to 16 KiB in steps of two
     stream.SetPos(5);
     stream.Write("#", 1);
     expected[5] = '#';
@@ -53,6 +58,7 @@ TEST(RamStream, ReadsBackWhatWasWritten) {
 
 TEST(RamStream, DetachGivesTheBytesAwayAndCloses) {
     FilledStream stream("abc");
+    stream->SetPos(3);
     std::unique_ptr<char[]> const bytes(static_cast<char *>(stream->Detach()));
     EXPECT_EQ(std::string(bytes.get(), 3), "abc");
     EXPECT_FALSE(stream->IsOpen());
@@ -79,6 +85,7 @@ TEST(RamStream, OnlyAnOpenWriterTakesBytes) {
     stream.Discard();
     EXPECT_EQ(stream.Write("y", 1), 0u);
     EXPECT_EQ(stream.GetLen(), 1u);
+    EXPECT_FALSE(stream.Open(0x1000, c_streamWrite));
 }
 
 TEST(RamStream, WhatItCannotHoldChangesNothing) {
