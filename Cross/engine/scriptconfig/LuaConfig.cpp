@@ -220,7 +220,7 @@ bool LCGetWString(LuaConfig & config, char const * name, char16_t * buffer, unsi
         return false;
     std::u16string const wide = utf::ToUtf16(text);
     std::size_t count = std::min<std::size_t>(wide.size(), size - 1);
-    if (count < wide.size() && count > 0 && isHighSurrogate(wide[count - 1]))
+    if (count > 0 && isHighSurrogate(wide[count - 1]))
         --count;
     std::copy_n(wide.data(), count, buffer);
     buffer[count] = 0;
