@@ -1,14 +1,16 @@
 #include "Cross/Util/BinaryConfig.h"
 
+#include "Cross/Util/BinaryConfigFormat.h"
+
 #include <algorithm>
 #include <cassert>
+#include <cstddef>
 #include <cstring>
 
 namespace {
 
+using BCInternal::c_countSize;
 using BCInternal::FieldInfo;
-
-constexpr unsigned int c_countSize = 4; // a table begins with the number of its fields
 
 // Images come in one block, but nothing promises that a table in it is aligned: values are copied out.
 template <class T>
@@ -18,9 +20,19 @@ T load(void const * from) {
     return value;
 }
 
-std::uint32_t keyOf(FieldInfo const * field) { return load<std::uint32_t>(field); }
+char const * bytesOf(FieldInfo const * field) { return reinterpret_cast<char const *>(field); }
 
-BCTypes::FieldEntryType typeOf(FieldInfo const * field) { return load<FieldInfo>(field).type; }
+std::uint32_t keyOf(FieldInfo const * field) {
+    return load<std::uint32_t>(bytesOf(field) + offsetof(FieldInfo, key));
+}
+
+BCTypes::FieldEntryType typeOf(FieldInfo const * field) {
+    return load<BCTypes::FieldEntryType>(bytesOf(field) + offsetof(FieldInfo, type));
+}
+
+std::uint32_t offsetOf(FieldInfo const * field) {
+    return load<std::uint32_t>(bytesOf(field) + offsetof(FieldInfo, offset));
+}
 
 bool isTable(BCTypes::FieldEntryType type) {
     return type == BCTypes::Table || type == BCTypes::TableUnsorted;
@@ -71,25 +83,37 @@ FieldInfo const * firstEqual(FieldInfo const * first, FieldInfo const * last, st
     return first;
 }
 
-char16_t loadUnit(char const * from) {
-    auto const low = static_cast<unsigned char>(from[0]);
-    auto const high = static_cast<unsigned char>(from[1]);
-    return static_cast<char16_t>(low | high << 8);
+} // namespace
+
+// Inline, since a shared library does not inline what it exports otherwise, and every read goes through
+// these.
+inline FieldInfo const * BinaryConfig::FindFieldInfo(TableInfo const & table, std::uint32_t key) const {
+    auto const count = static_cast<std::size_t>(table.fieldsEnd - table.fieldsBegin);
+    FieldInfo const * const found = table.unsorted ? firstEqual(table.fieldsBegin, table.fieldsEnd, key)
+                                                   : lowerBound({table.fieldsBegin, count}, key);
+    return found != table.fieldsEnd && keyOf(found) == key ? found : nullptr;
 }
 
-} // namespace
+inline FieldInfo const * BinaryConfig::FindField(std::uint32_t key) const {
+    TableInfo const & table = GetCurrTable();
+    return table.fieldsBegin ? FindFieldInfo(table, key) : nullptr;
+}
+
+inline char const * BinaryConfig::findValue(std::uint32_t key, BCTypes::FieldEntryType type) const {
+    FieldInfo const * const field = FindField(key);
+    return field && typeOf(field) == type ? GetCurrTable().data + offsetOf(field) : nullptr;
+}
 
 BinaryConfig::BinaryConfig() : frames(1) {}
 
 BinaryConfig::~BinaryConfig() = default;
 
 void BinaryConfig::TablePush(std::uint32_t key) {
-    FieldInfo const * const found = FindField(key);
+    FieldInfo const * const field = FindField(key);
     TableInfo & current = GetCurrTable();
     GetCurrTableStack().push_back(current);
-    if (found && isTable(typeOf(found)))
-        current =
-            tableAt(current.data + load<FieldInfo>(found).offset, typeOf(found) == BCTypes::TableUnsorted);
+    if (field && isTable(typeOf(field)))
+        current = tableAt(current.data + offsetOf(field), typeOf(field) == BCTypes::TableUnsorted);
     else
         SetNullTable(current);
 }
@@ -128,14 +152,6 @@ bool BinaryConfig::AttributeExists(std::uint32_t key) const {
 }
 
 bool BinaryConfig::AttributeExists(char const * name) const { return AttributeExists(NameHash(name)); }
-
-char const * BinaryConfig::findValue(std::uint32_t key, BCTypes::FieldEntryType type) const {
-    FieldInfo const * const found = FindField(key);
-    if (!found)
-        return nullptr;
-    FieldInfo const field = load<FieldInfo>(found);
-    return field.type == type ? GetCurrTable().data + field.offset : nullptr;
-}
 
 bool BinaryConfig::GetNumber(std::uint32_t key, int & value) const {
     char const * const stored = findValue(key, BCTypes::Integer);
@@ -191,7 +207,7 @@ bool BinaryConfig::GetWString(std::uint32_t key, char16_t * buffer, unsigned int
         return true;
     unsigned int length = 0;
     for (; length < size - 1; ++length, stored += 2) {
-        buffer[length] = loadUnit(stored);
+        buffer[length] = load<char16_t>(stored);
         if (buffer[length] == 0)
             break;
     }
@@ -222,18 +238,6 @@ void BinaryConfig::GetFieldInfos(std::vector<FieldInfo const *> & fields) const 
     TableInfo const & table = GetCurrTable();
     for (FieldInfo const * field = table.fieldsBegin; field != table.fieldsEnd; ++field)
         fields.push_back(field);
-}
-
-FieldInfo const * BinaryConfig::FindField(std::uint32_t key) const {
-    TableInfo const & table = GetCurrTable();
-    return table.fieldsBegin ? FindFieldInfo(table, key) : nullptr;
-}
-
-FieldInfo const * BinaryConfig::FindFieldInfo(TableInfo const & table, std::uint32_t key) const {
-    auto const count = static_cast<std::size_t>(table.fieldsEnd - table.fieldsBegin);
-    FieldInfo const * const found = table.unsorted ? firstEqual(table.fieldsBegin, table.fieldsEnd, key)
-                                                   : lowerBound({table.fieldsBegin, count}, key);
-    return found != table.fieldsEnd && keyOf(found) == key ? found : nullptr;
 }
 
 BinaryConfig::TableInfo BinaryConfig::tableAt(char const * position, bool unsorted) {

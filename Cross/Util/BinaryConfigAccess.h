@@ -17,11 +17,6 @@ public:
     // The image is never longer than that.
     static std::uint64_t ImageBound(BinaryConfigCreator const & creator) { return creator.imageBound; }
 
-    // The field of the current table, of whatever type; null when there is none.
-    static FieldInfo const * FindField(BinaryConfig const & config, std::uint32_t key) {
-        return config.FindField(key);
-    }
-
     static std::uint32_t & CRC(BinaryConfig & config) { return config.crc; }
 
     static void SetData(BinaryConfig & config, ast::scoped_array<char> & holder, unsigned int size) {

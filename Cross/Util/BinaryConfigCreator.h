@@ -10,8 +10,8 @@
 // A null name counts as "". A literal key of 0 is written 0u.
 //
 // Threads: one. Lifetime: names and texts are copied; everything goes with the builder. Adding throws
-// std::bad_alloc when memory is exhausted and std::length_error for a text of 4 GiB; the tree is then as it
-// was.
+// std::bad_alloc when memory is exhausted and std::length_error for a text of 4 GiB; the cursor and what was
+// added before stay as they were.
 
 #include "Cross/Util/BinaryConfig.h"
 #include "Cross/engine/core/Export.h"
@@ -26,8 +26,8 @@ public:
     // With a pool of its own.
     BinaryConfigCreator();
 
-    // Works in the pool given, which must hold nothing but this builder's entries: the destructor clears it.
-    // Null means a pool of its own.
+    // Works in the pool given, which must hold nothing but this builder's entries, since the destructor
+    // clears it; so it cannot be the default pool. Null means a pool of its own.
     explicit BinaryConfigCreator(_HMEMPOOL * pool);
     BinaryConfigCreator(BinaryConfigCreator const &) = delete;
     BinaryConfigCreator & operator=(BinaryConfigCreator const &) = delete;

@@ -40,11 +40,9 @@ public:
     Children * Previous() const { return previous; }
 
 private:
-    // A used one holds the key of an entry and its place in the order, counted from 1; an empty one the place
-    // 0.
     struct Slot {
         std::uint32_t key = 0;
-        std::uint32_t place = 0;
+        std::uint32_t place = 0; // in the order of adding, counted from 1; 0 in an empty slot
     };
 
     using Index = std::vector<Slot>;
@@ -54,7 +52,6 @@ private:
     void growIndex();
 
     std::vector<InternalEntry *> entries;
-    Index index; // by key, once the entries are too many for a scan; its size is a power of two, at most half
-                 // used
+    Index index; // by key, once a scan would take longer; a power of two, at most half of the slots are used
     Children * previous;
 };

@@ -2,13 +2,16 @@
 
 #include "Cross/Util/BinaryConfigAccess.h"
 #include "Cross/Util/BinaryConfigEntry.h"
+#include "Cross/Util/BinaryConfigFormat.h"
 #include "Cross/engine/core/SmallVector.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <limits>
+#include <numeric>
 #include <stdexcept>
+#include <utility>
+#include <vector>
 
 namespace BCInternal {
 
@@ -16,10 +19,8 @@ namespace {
 
 using Entry = Access::Entry;
 
-static_assert(std::endian::native == std::endian::little,
-              "wide text goes into an image as it lies in memory");
-
 constexpr std::size_t c_noTable = std::numeric_limits<std::size_t>::max();
+constexpr std::size_t c_radixSorted = 256; // fewer fields are sorted faster by comparing
 
 std::uint32_t wordOf(Entry const & entry) {
     std::uint32_t word;
@@ -64,33 +65,46 @@ private:
             records[place] = {child.key, child.type, static_cast<std::uint32_t>(place)};
         }
         if (entry.type != BCTypes::TableUnsorted)
-            std::sort(records, records + count,
-                      [](FieldInfo const & left, FieldInfo const & right) { return left.key < right.key; });
+            sortByKey(records, count);
         end += count * sizeof(FieldInfo);
         tables.push_back({&entry, records, end, current});
         current = tables.size() - 1;
+    }
+
+    void sortByKey(FieldInfo * records, std::size_t count) {
+        if (count < c_radixSorted)
+            std::sort(records, records + count,
+                      [](FieldInfo const & left, FieldInfo const & right) { return left.key < right.key; });
+        else
+            radixSort(records, count);
+    }
+
+    // A pass per byte of the key, from the lowest, each of which keeps the order of the one before. Four
+    // passes end where they began.
+    void radixSort(FieldInfo * records, std::size_t count) {
+        scratch.resize(count);
+        FieldInfo * from = records;
+        FieldInfo * to = scratch.data();
+        for (unsigned int shift = 0; shift < 32; shift += 8) {
+            auto const byteOf = [shift](FieldInfo const & record) { return record.key >> shift & 0xFF; };
+            std::size_t places[257] = {};
+            for (std::size_t i = 0; i < count; ++i)
+                ++places[byteOf(from[i]) + 1];
+            std::partial_sum(std::begin(places), std::end(places), std::begin(places));
+            for (std::size_t i = 0; i < count; ++i)
+                to[places[byteOf(from[i])]++] = from[i];
+            std::swap(from, to);
+        }
     }
 
     // Until here the offset of a record was the place of the field in the order of adding.
     void writeField(Table & table) {
         FieldInfo & record = *table.nextRecord++;
         Entry const & field = *table.entry->children->InOrder()[record.offset];
-        align(alignmentOf(field.type));
+        align(AlignmentOf(field.type));
         record = {stored(field.key), BCTypes::FieldEntryType(stored(field.type)),
                   stored(static_cast<std::uint32_t>(end - table.data))};
         writeValue(field);
-    }
-
-    static unsigned int alignmentOf(BCTypes::FieldEntryType type) {
-        switch (type) {
-        case BCTypes::Bool:
-        case BCTypes::String:
-            return 1;
-        case BCTypes::WString:
-            return 2;
-        default:
-            return 4;
-        }
     }
 
     void align(unsigned int alignment) {
@@ -129,6 +143,7 @@ private:
     bool swapsWords;
     ast::smallvector<Table, 16> tables; // in the order of opening
     std::size_t current = c_noTable;
+    std::vector<FieldInfo> scratch; // of sorting
 };
 
 } // namespace

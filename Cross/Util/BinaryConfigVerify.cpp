@@ -1,4 +1,4 @@
-#include "Cross/Util/BinaryConfigFlatten.h"
+#include "Cross/Util/BinaryConfigFormat.h"
 #include "Cross/Util/BinaryConfigIO.h"
 
 #include <algorithm>
@@ -10,17 +10,20 @@ namespace BinaryConfigIO {
 
 namespace {
 
+using BCInternal::AlignmentOf;
+using BCInternal::c_countSize;
 using BCInternal::FieldInfo;
 using BCInternal::SwapBytes;
 
-constexpr std::uint64_t c_countSize = 4;
+constexpr std::uint64_t c_fault = 0; // no value ends there
 
-bool isKnown(std::uint32_t type) {
-    return type <= BCTypes::WString || type == BCTypes::Table || type == BCTypes::TableUnsorted;
+bool isTable(BCTypes::FieldEntryType type) {
+    return type == BCTypes::Table || type == BCTypes::TableUnsorted;
 }
 
-// One pass over an image in stored order, with a stack of its own. `end` is where the last value seen ends:
-// it only moves forward, so each byte is looked at a bounded number of times however the offsets are made.
+// One pass over an image in stored order, with a stack of its own. Positions count from the start of the
+// image. What is checked only moves forward, so each byte is looked at a bounded number of times however the
+// offsets are made.
 class Verifier {
 public:
     Verifier(void const * image, unsigned int size) : image(static_cast<char const *>(image)), size(size) {}
@@ -28,29 +31,22 @@ public:
     bool Run() {
         if (!image)
             return fail(0, "there is no image");
-        if (!openTable(0, false))
-            return false;
-        while (!open.empty()) {
-            OpenTable & table = open.back();
-            if (table.nextRecord == table.data)
-                open.pop_back();
-            else if (!checkField(table))
-                return false;
-        }
-        return end == size || fail(end, "bytes follow the last value");
+        bool sound = openTable(0, false);
+        while (sound && !open.empty())
+            sound = checkFields();
+        return sound && (end == size || fail(end, "bytes follow the last value"));
     }
 
     VerifyError Error() const {
-        return isOfOtherByteOrder()
-                   ? VerifyError{0, "the image is stored for a platform of the other byte order"}
-                   : error;
+        if (isOfOtherByteOrder())
+            return {0, "the image is stored for a platform of the other byte order"};
+        return error;
     }
 
 private:
-    // Positions count from the start of the image; the records end where the data area begins.
     struct OpenTable {
         std::uint64_t nextRecord;
-        std::uint64_t data;
+        std::uint64_t data; // where the records end
     };
 
     template <class T>
@@ -92,82 +88,95 @@ private:
         for (std::uint64_t record = records; record < end; record += sizeof(FieldInfo))
             keys.push_back(load<std::uint32_t>(record));
         std::sort(keys.begin(), keys.end());
-        return std::adjacent_find(keys.begin(), keys.end()) == keys.end() ||
-               fail(records, "a table has two fields of one key");
-    }
-
-    bool checkField(OpenTable & table) {
-        std::uint64_t const record = table.nextRecord;
-        table.nextRecord += sizeof(FieldInfo);
-        auto const field = load<FieldInfo>(record);
-        std::uint64_t const value = table.data + field.offset;
-        switch (field.type) {
-        case BCTypes::Float:
-        case BCTypes::Integer:
-            return moveTo(value, 4, record) && checkWord();
-        case BCTypes::Bool:
-            return moveTo(value, 1, record) && checkBool();
-        case BCTypes::String:
-            return moveTo(value, 1, record) && checkText();
-        case BCTypes::WString:
-            return moveTo(value, 2, record) && checkWideText();
-        case BCTypes::Table:
-            return moveTo(value, 4, record) && openTable(value, false);
-        case BCTypes::TableUnsorted:
-            return moveTo(value, 4, record) && openTable(value, true);
-        }
-        return fail(record + offsetof(FieldInfo, type), "a field is of no known type");
-    }
-
-    // Moves `end` to where the value of the field with that record begins.
-    bool moveTo(std::uint64_t value, unsigned int alignment, std::uint64_t record) {
-        std::uint64_t const offsetPosition = record + offsetof(FieldInfo, offset);
-        if (value < end)
-            return fail(offsetPosition, "a value begins before the end of the one in front of it");
-        if (value >= size)
-            return fail(offsetPosition, "a value begins beyond the end of the image");
-        if (value % alignment != 0)
-            return fail(offsetPosition, "a value is not aligned");
-        for (; end < value; ++end) {
-            if (image[end] != 0)
-                return fail(end, "a byte between values is not zero");
-        }
+        if (std::adjacent_find(keys.begin(), keys.end()) != keys.end())
+            return fail(records, "a table has two fields of one key");
         return true;
     }
 
-    bool checkWord() {
-        if (size - end < 4)
-            return fail(end, "a number is cut off by the end of the image");
-        end += 4;
-        return true;
-    }
-
-    bool checkBool() {
-        if (static_cast<unsigned char>(image[end]) > 1)
-            return fail(end, "a bool is neither 0 nor 1");
-        ++end;
-        return true;
-    }
-
-    bool checkText() {
-        void const * const terminator = std::memchr(image + end, 0, size - end);
-        if (!terminator)
-            return fail(end, "a text has no terminator");
-        end = static_cast<std::uint64_t>(static_cast<char const *>(terminator) - image) + 1;
-        return true;
-    }
-
-    bool checkWideText() {
-        for (std::uint64_t unit = end; size - unit >= 2; unit += 2) {
-            if (load<char16_t>(unit) == 0) {
-                end = unit + 2;
-                return true;
+    // Checks the fields of the innermost table up to a nested one, which it opens; after the last it closes
+    // the table.
+    bool checkFields() {
+        std::uint64_t const data = open.back().data;
+        std::uint64_t position = end;
+        for (std::uint64_t record = open.back().nextRecord; record != data; record += sizeof(FieldInfo)) {
+            auto const type = load<BCTypes::FieldEntryType>(record + offsetof(FieldInfo, type));
+            std::uint64_t const value = data + load<std::uint32_t>(record + offsetof(FieldInfo, offset));
+            // Most fields are numbers, one behind the other.
+            if (type <= BCTypes::Integer && value == position && value % 4 == 0 && size - value >= 4) {
+                position = value + 4;
+                continue;
             }
+            if (!checkPlace(record, type, position, value))
+                return false;
+            if (isTable(type)) {
+                open.back().nextRecord = record + sizeof(FieldInfo);
+                return openTable(value, type == BCTypes::TableUnsorted);
+            }
+            position = endOfValue(value, type);
+            if (position == c_fault)
+                return false;
         }
-        return fail(end, "a wide text has no terminator");
+        end = position;
+        open.pop_back();
+        return true;
     }
 
-    // Looks at the root alone: its count fits the image, and its types are known, only when their bytes are
+    // Whether a value may begin there when the one in front of it ends at `position`.
+    bool checkPlace(std::uint64_t record, BCTypes::FieldEntryType type, std::uint64_t position,
+                    std::uint64_t value) {
+        unsigned int const alignment = AlignmentOf(type);
+        if (alignment == 0)
+            return fail(record + offsetof(FieldInfo, type), "a field is of no known type");
+        if (value < position)
+            return fail(record + offsetof(FieldInfo, offset),
+                        "a value begins before the end of the one in front of it");
+        if (value >= size)
+            return fail(record + offsetof(FieldInfo, offset), "a value begins beyond the end of the image");
+        if ((value & (alignment - 1)) != 0)
+            return fail(record + offsetof(FieldInfo, offset), "a value is not aligned");
+        for (; position < value; ++position) {
+            if (image[position] != 0)
+                return fail(position, "a byte between two values is not zero");
+        }
+        return true;
+    }
+
+    std::uint64_t endOfValue(std::uint64_t value, BCTypes::FieldEntryType type) {
+        switch (type) {
+        case BCTypes::Bool:
+            return static_cast<unsigned char>(image[value]) <= 1 ? value + 1
+                                                                 : fault(value, "a bool is neither 0 nor 1");
+        case BCTypes::String:
+            return endOfText(value);
+        case BCTypes::WString:
+            return endOfWideText(value);
+        default:
+            return size - value >= 4 ? value + 4
+                                     : fault(value, "a number is cut off by the end of the image");
+        }
+    }
+
+    std::uint64_t endOfText(std::uint64_t text) {
+        void const * const terminator = std::memchr(image + text, 0, size - text);
+        if (!terminator)
+            return fault(text, "a text has no terminator");
+        return static_cast<std::uint64_t>(static_cast<char const *>(terminator) - image) + 1;
+    }
+
+    std::uint64_t endOfWideText(std::uint64_t text) {
+        for (std::uint64_t unit = text; size - unit >= 2; unit += 2) {
+            if (load<char16_t>(unit) == 0)
+                return unit + 2;
+        }
+        return fault(text, "a wide text has no terminator");
+    }
+
+    std::uint64_t fault(std::uint64_t offset, char const * reason) {
+        fail(offset, reason);
+        return c_fault;
+    }
+
+    // Looks at the root alone: its count fits the image and its types are known only when their bytes are
     // swapped.
     bool isOfOtherByteOrder() const {
         if (!image || size < c_countSize)
@@ -175,9 +184,10 @@ private:
         std::uint64_t const count = SwapBytes(load<std::uint32_t>(0));
         if (count == 0 || count > (size - c_countSize) / sizeof(FieldInfo))
             return false;
-        for (std::uint64_t i = 0; i < count; ++i) {
-            if (!isKnown(SwapBytes(
-                    load<std::uint32_t>(c_countSize + i * sizeof(FieldInfo) + offsetof(FieldInfo, type)))))
+        for (std::uint64_t record = c_countSize; record < c_countSize + count * sizeof(FieldInfo);
+             record += sizeof(FieldInfo)) {
+            std::uint32_t const type = SwapBytes(load<FieldInfo>(record).type);
+            if (AlignmentOf(static_cast<BCTypes::FieldEntryType>(type)) == 0)
                 return false;
         }
         return true;
@@ -185,7 +195,7 @@ private:
 
     char const * image;
     std::uint64_t size;
-    std::uint64_t end = 0;
+    std::uint64_t end = 0;       // of what was checked
     std::vector<OpenTable> open; // innermost last
     std::vector<std::uint32_t> keys;
     VerifyError error;

@@ -244,7 +244,7 @@ TEST(BinaryConfigVerify, FaultsAreToldWithTheirPlace) {
         {0x30, word(28), 0x30, "a value begins beyond the end of the image"},
         {0x30, word(0xFFFFFFF8), 0x30, "a value begins beyond the end of the image"},
         {0x30, word(9), 0x30, "a value is not aligned"},
-        {0x30, word(12), 0x3C, "a byte between values is not zero"},
+        {0x30, word(12), 0x3C, "a byte between two values is not zero"},
         {0x48, word(4), 0x48, "a value begins beyond the end of the image"},
         {0x38, "\2", 0x38, "a bool is neither 0 nor 1"},
     };

@@ -240,7 +240,7 @@ TEST_F(BinaryConfigTest, TheSearchFindsExactlyTheKeysOfATable) {
         {"one far away", [](std::uint32_t i) { return i == 0 ? 0 : 0x90000000 + 3 * i; }},
     };
     for (Shape const & shape : c_shapes) {
-        for (std::uint32_t const count : {1, 2, 3, 8, 64, 1000, 1001, 1037, 5000}) {
+        for (std::uint32_t const count : {1u, 2u, 3u, 8u, 64u, 1000u, 1001u, 1037u, 5000u}) {
             BinaryConfigCreator creator;
             std::set<std::uint32_t> keys;
             for (std::uint32_t i = 0; i < count; ++i) {
