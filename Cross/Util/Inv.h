@@ -40,7 +40,8 @@ public:
 };
 
 // A kind of asset, implemented by the application. Compared by pointer; it must outlive every resource that
-// names it.
+// names it. Its operations may ask for more resources, flush, and throw; they neither run the batch pump nor
+// shut the inventory down.
 class CROSS_UTIL_API Inv::ResourceTypeInfo {
 public:
     // The kind's display name, for warnings and dumps, and the first sort key of a load batch.
@@ -87,7 +88,7 @@ public:
     Resource & operator=(Resource const &) = delete;
 
     static void * operator new(std::size_t size);
-    static void operator delete(void * block);
+    static void operator delete(void * block, std::size_t size);
 
     // Adds a reference and returns `resource`; null is returned unchanged. Any thread.
     static Resource * Retain(Resource * resource);

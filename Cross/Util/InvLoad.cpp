@@ -22,14 +22,13 @@ struct Stage {
     unsigned int remaining = 0; // items not yet taken
     unsigned int done = 0;      // position in the list
 
-    // Runs a step on the next `maxItems` items at most. Gives the number of items left.
+    // Runs a step on the next `maxItems` items at most. Gives the number of items left. Each item counts as
+    // taken before its step, which may throw or abort the batch.
     unsigned int Run(unsigned int maxItems, void (*step)(Inv::Resource *)) {
-        unsigned int const count = std::min(remaining, maxItems);
-        std::size_t const end = std::min<std::size_t>(std::size_t{done} + count, list.size());
-        for (std::size_t i = done; i < end; ++i)
-            step(list[i]);
-        done += count;
-        remaining -= count;
+        for (unsigned int taken = 0; taken < maxItems && remaining != 0; ++taken) {
+            --remaining;
+            step(list[done++]);
+        }
         return remaining;
     }
 
@@ -51,29 +50,31 @@ Pump & pump() {
     return instance;
 }
 
-// The bins that load in batches, in the order of a batch: by name, then as they came.
-std::vector<InvBin *> sortedDeferrableBins(std::list<InvBin> & bins) {
-    std::vector<InvBin *> sorted;
-    for (InvBin & bin : bins)
+} // namespace
+
+auto Inv::Warehouse::Data::sortedDeferrableBins() -> std::vector<Bin *> {
+    std::vector<Bin *> sorted;
+    for (Bin & bin : bins)
         if (bin.type->CanDeferLoading())
             sorted.push_back(&bin);
-    std::stable_sort(sorted.begin(), sorted.end(), [](InvBin const * left, InvBin const * right) {
+    std::stable_sort(sorted.begin(), sorted.end(), [](Bin const * left, Bin const * right) {
         return text::CompareNoCase(left->type->GetBinName(), right->type->GetBinName()) < 0;
     });
     return sorted;
 }
 
-} // namespace
-
 void Inv::Warehouse::Data::CollectDeferred(std::vector<Resource *> & list) {
-    for (InvBin * bin : sortedDeferrableBins(bins)) {
-        auto const first = static_cast<std::ptrdiff_t>(list.size());
-        for (auto const & [key, resource] : bin->entries)
+    std::vector<std::pair<char const *, Resource *>> named; // names at hand make sorting twice as fast
+    for (Bin * bin : sortedDeferrableBins()) {
+        named.clear();
+        for (auto const & [key, resource] : bin->resources)
             if (resource->has(Resource::needsLoad))
-                list.push_back(resource);
-        std::stable_sort(list.begin() + first, list.end(), [](Resource const * left, Resource const * right) {
-            return text::CompareNoCase(left->name, right->name) < 0;
+                named.emplace_back(resource->name, resource);
+        std::stable_sort(named.begin(), named.end(), [](auto const & left, auto const & right) {
+            return text::CompareNoCase(left.first, right.first) < 0;
         });
+        for (auto const & [name, resource] : named)
+            list.push_back(resource);
     }
 }
 
@@ -85,8 +86,10 @@ void Inv::Warehouse::Data::LoadStep(Resource * resource) {
 }
 
 void Inv::Warehouse::Data::PostStep(Resource * resource) {
-    if (resource->has(Resource::needsPostLoad))
-        resource->postLoad();
+    if (!resource->has(Resource::needsPostLoad))
+        return; // done on demand meanwhile
+    InvHold const hold(resource);
+    resource->postLoad();
 }
 
 void Inv::Warehouse::Data::OpenBatch(std::vector<Resource *> const & list) {
@@ -140,6 +143,7 @@ void Inv::Warehouse::Preload(char const * name, ResourceTypeInfo const * type) {
     Resource * resource = nullptr;
     if (!FindNamedResource(&resource, name, type))
         return;
+    InvHold const hold(resource);
     NamedResource * loaded = type->Load(name);
     if (!loaded)
         loaded = type->CreateDefault(name);
@@ -148,7 +152,9 @@ void Inv::Warehouse::Preload(char const * name, ResourceTypeInfo const * type) {
 }
 
 void Inv::Warehouse::Preload(ResourceTypeInfo const * type) {
-    if (InvBin const * const bin = data->FindBin(type))
-        for (auto const & [key, resource] : bin->entries)
-            Preload(resource->name, type);
+    if (Data::Bin * const bin = data->FindBin(type))
+        bin->ForEach([&](Data::Bin::Entry entry) {
+            InvHold const hold(entry->second); // for its name, which may belong to another resource too
+            Preload(entry->second->name, type);
+        });
 }

@@ -27,10 +27,6 @@ char * copyName(char const * name) {
     return copy;
 }
 
-bool sameName(char const * left, char const * right) {
-    return left == right || (left && right && std::strcmp(left, right) == 0);
-}
-
 } // namespace
 
 bool Inv::ResourceTypeInfo::TranslateName(char * out, char const * name) const {
@@ -62,7 +58,7 @@ void * Inv::Resource::operator new(std::size_t size) {
     return MemPoolAlloc(resourcePool(), static_cast<unsigned int>(size));
 }
 
-void Inv::Resource::operator delete(void * block) { MemPoolFree(resourcePool(), block); }
+void Inv::Resource::operator delete(void * block, std::size_t) { MemPoolFree(resourcePool(), block); }
 
 Inv::Resource * Inv::Resource::Retain(Resource * resource) {
     if (resource)
@@ -114,7 +110,7 @@ void Inv::Resource::SetData(NamedResource * newData) {
 }
 
 void Inv::Resource::SetName(char const * newName) {
-    if (has(frozen) || sameName(name, newName))
+    if (has(frozen) || (name && newName && std::strcmp(name, newName) == 0))
         return;
     char * const copy = copyName(newName); // `newName` may lie in the present one
     MemPoolFree(namePool(), name);

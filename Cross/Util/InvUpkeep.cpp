@@ -8,95 +8,80 @@
 
 #include <algorithm>
 
-InvBin::Entries::iterator Inv::Warehouse::Data::FindEntry(InvBin & bin, Resource const * resource) {
-    return std::find_if(bin.entries.begin(), bin.entries.end(),
-                        [resource](auto const & entry) { return entry.second == resource; });
-}
-
-InvBin::Entries::iterator Inv::Warehouse::Data::TakeOut(InvBin & bin, InvBin::Entries::iterator entry,
-                                                        bool destroyData) {
+void Inv::Warehouse::Data::Bin::TakeOut(Entry entry) {
     Resource * const resource = entry->second;
-    auto const next = bin.entries.erase(entry);
+    erase(entry);
     resource->flags &= ~(Resource::stored | Resource::frozen);
-    NamedResource * const orphan = resource->data;
-    if (orphan && destroyData) {
-        resource->SetData(nullptr);
-        bin.type->DestroyData(orphan);
-    }
+    if (resource->isOnlyHeldByInventory())
+        destroyData(resource);
     Resource::Release(resource);
-    return next;
 }
 
-unsigned int Inv::Warehouse::Data::FlushPass(InvBin & bin) {
-    unsigned int count = 0;
-    for (auto entry = bin.entries.begin(); entry != bin.entries.end();) {
-        if (entry->second->isOnlyHeldByInventory()) {
-            entry = TakeOut(bin, entry, true);
-            ++count;
-        } else {
-            ++entry;
-        }
+void Inv::Warehouse::Data::Bin::destroyData(Resource * resource) {
+    if (NamedResource * const orphan = resource->data) {
+        resource->SetData(nullptr);
+        type->DestroyData(orphan);
     }
+}
+
+unsigned int Inv::Warehouse::Data::Bin::FlushPass() {
+    unsigned int count = 0;
+    ForEach([&](Entry entry) {
+        if (entry->second->isOnlyHeldByInventory()) {
+            TakeOut(entry);
+            ++count;
+        }
+    });
     return count;
 }
 
+void Inv::Warehouse::Data::Bin::DestroyAllData() {
+    ForEach([this](Entry entry) { destroyData(entry->second); });
+}
+
+void Inv::Warehouse::Data::Bin::TakeOutAll() {
+    ForEach([this](Entry entry) { TakeOut(entry); });
+}
+
 void Inv::Warehouse::Data::Clear() {
-    for (InvBin & bin : bins) {
-        for (auto const & [key, resource] : bin.entries) {
-            if (NamedResource * const orphan = resource->data) {
-                resource->SetData(nullptr);
-                bin.type->DestroyData(orphan);
-            }
-        }
-    }
-    for (InvBin & bin : bins) {
-        for (auto const & [key, resource] : bin.entries) {
-            resource->flags &= ~(Resource::stored | Resource::frozen);
-            Resource::Release(resource);
-        }
-        bin.entries.clear();
-    }
+    for (Bin & bin : bins)
+        bin.DestroyAllData();
+    for (Bin & bin : bins)
+        bin.TakeOutAll();
     bins.clear();
 }
 
 void Inv::Warehouse::Flush(Resource * resource, ResourceTypeInfo const * type) {
-    InvBin * const bin = resource && resource->has(Resource::stored) ? data->FindBin(type) : nullptr;
-    if (!bin || !resource->isOnlyHeldByInventory())
-        return;
-    auto const entry = data->FindEntry(*bin, resource);
-    if (entry != bin->entries.end())
-        data->TakeOut(*bin, entry, true);
+    if (resource && resource->isOnlyHeldByInventory())
+        Remove(resource, type);
 }
 
 void Inv::Warehouse::Flush(ResourceTypeInfo const * type) {
-    if (InvBin * const bin = data->FindBin(type))
-        while (data->FlushPass(*bin) != 0) {}
+    if (Data::Bin * const bin = data->FindBin(type))
+        while (bin->FlushPass() != 0) {}
 }
 
 void Inv::Warehouse::Flush() {
     unsigned int count;
     do {
         count = 0;
-        for (InvBin & bin : data->bins)
-            count += data->FlushPass(bin);
+        for (Data::Bin & bin : data->bins)
+            count += bin.FlushPass();
     } while (count != 0);
 }
 
 void Inv::Warehouse::Remove(Resource * resource, ResourceTypeInfo const * type) {
-    InvBin * const bin = resource && resource->has(Resource::stored) ? data->FindBin(type) : nullptr;
+    Data::Bin * const bin = resource && resource->has(Resource::stored) ? data->FindBin(type) : nullptr;
     if (!bin)
         return;
-    auto const entry = data->FindEntry(*bin, resource);
-    if (entry != bin->entries.end())
-        data->TakeOut(*bin, entry, resource->isOnlyHeldByInventory());
+    Data::Bin::Entry const entry = bin->FindResource(resource);
+    if (entry != bin->resources.end())
+        bin->TakeOut(entry);
 }
 
 void Inv::Warehouse::Remove(ResourceTypeInfo const * type) {
-    InvBin * const bin = data->FindBin(type);
-    if (!bin)
-        return;
-    for (auto entry = bin->entries.begin(); entry != bin->entries.end();)
-        entry = data->TakeOut(*bin, entry, entry->second->isOnlyHeldByInventory());
+    if (Data::Bin * const bin = data->FindBin(type))
+        bin->TakeOutAll();
 }
 
 void Inv::Warehouse::Reload(Resource * resource, ResourceTypeInfo const * type) {
@@ -114,38 +99,33 @@ void Inv::Warehouse::Reload(Resource * resource, ResourceTypeInfo const * type) 
 }
 
 void Inv::Warehouse::Reload(ResourceTypeInfo const * type) {
-    InvBin * const bin = type && type->CanReload() ? data->FindBin(type) : nullptr;
-    if (!bin)
-        return;
-    for (auto entry = bin->entries.begin(); entry != bin->entries.end();) {
-        Resource * const resource = entry->second;
-        ++entry; // the reload may take the present one out
-        Reload(resource, type);
-    }
+    if (Data::Bin * const bin = type && type->CanReload() ? data->FindBin(type) : nullptr)
+        bin->ForEach([&](Data::Bin::Entry entry) { Reload(entry->second, type); });
 }
 
 void Inv::Warehouse::Data::OnFileChanged(char const * path) {
-    for (InvBin & bin : bins) {
+    for (Bin & bin : bins) {
         if (!bin.type || !bin.type->CanReload())
             continue;
         InvCanonicalName const canonical(bin.type, path);
         if (!canonical.IsTranslated())
             continue;
-        auto const changed = std::find_if(bin.entries.begin(), bin.entries.end(), [&](auto const & entry) {
-            return text::EqualNoCase(entry.second->name, canonical.Get());
-        });
-        if (changed != bin.entries.end())
+        auto const changed =
+            std::find_if(bin.resources.begin(), bin.resources.end(), [&](auto const & entry) {
+                return text::EqualNoCase(entry.second->name, canonical.Get());
+            });
+        if (changed != bin.resources.end())
             Instance()->Reload(changed->second, bin.type);
     }
 }
 
 void Inv::Warehouse::Dump(DumpInfo & info) {
     info.bins.clear();
-    for (InvBin const & bin : data->bins) {
+    for (Data::Bin const & bin : data->bins) {
         DumpInfo::BinRecord & binRecord = info.bins.emplace_back();
         text::CopyCut(binRecord.name, sizeof(binRecord.name), bin.type->GetBinName());
-        binRecord.resources.reserve(bin.entries.size());
-        for (auto const & [key, resource] : bin.entries) {
+        binRecord.resources.reserve(bin.resources.size());
+        for (auto const & [key, resource] : bin.resources) {
             DumpInfo::ResourceRecord & record = binRecord.resources.emplace_back();
             text::CopyCut(record.name, sizeof(record.name), resource->name);
             record.references = resource->refCount;

@@ -8,6 +8,7 @@
 #include "Cross/engine/platform/Guid.h"
 #include "Cross/engine/platform/Options.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <string>
@@ -24,21 +25,28 @@ _HMEMPOOL * nodePool() {
     return pool.Get();
 }
 
-} // namespace
+// Nearly all names that match do so to the letter, which takes no folding of case to tell.
+bool sameName(char const * left, char const * right) {
+    return std::strcmp(left, right) == 0 || text::EqualNoCase(left, right);
+}
 
-InvBin::InvBin(Inv::ResourceTypeInfo const * type)
-    : type(type), entries(std::less<std::uint32_t>(), Entries::allocator_type(nodePool())) {}
+} // namespace
 
 InvCanonicalName::InvCanonicalName(Inv::ResourceTypeInfo const * type, char const * name)
     : canonical(name ? name : "") {
-    char const * const colon = std::strrchr(canonical, ':');
-    char const * const bare = colon ? colon + 1 : canonical;
-    if (std::strlen(bare) > c_maxName) {
-        cut.assign(canonical, bare + c_maxName);
-        canonical = cut.c_str();
-    }
+    if (std::strlen(canonical) > c_maxName)
+        cutBehindColon();
     if (type->TranslateName(buffer, canonical))
         canonical = buffer;
+}
+
+void InvCanonicalName::cutBehindColon() {
+    char const * const colon = std::strrchr(canonical, ':');
+    char const * const bare = colon ? colon + 1 : canonical;
+    cut.assign(canonical, bare + std::min(std::strlen(bare), c_maxName));
+    if (cut.size() >= sizeof(buffer)) // a kind may copy all of it
+        cut.erase(0, static_cast<std::size_t>(bare - canonical));
+    canonical = cut.c_str();
 }
 
 void Inv::Setup(bool enableBatching) { Warehouse::Setup(enableBatching); }
@@ -76,33 +84,48 @@ Inv::Warehouse::Data::Data(bool enableBatching) {
 
 Inv::Warehouse::Data::~Data() { FilePath::DetachFileChangeNotification(this, nullptr); }
 
-InvBin * Inv::Warehouse::Data::FindBin(ResourceTypeInfo const * type) {
-    for (InvBin & bin : bins)
+auto Inv::Warehouse::Data::FindBin(ResourceTypeInfo const * type) -> Bin * {
+    for (Bin & bin : bins)
         if (bin.type == type)
             return &bin;
     return nullptr;
 }
 
-InvBin & Inv::Warehouse::Data::getBin(ResourceTypeInfo const * type) {
-    InvBin * const bin = FindBin(type);
+auto Inv::Warehouse::Data::getBin(ResourceTypeInfo const * type) -> Bin & {
+    Bin * const bin = FindBin(type);
     return bin ? *bin : bins.emplace_back(type);
 }
 
-Inv::Resource * Inv::Warehouse::Data::Find(InvBin & bin, char const * canonicalName) {
-    auto const [first, last] = bin.entries.equal_range(NameHashLower(canonicalName));
-    for (auto entry = first; entry != last; ++entry) {
-        Resource * const resource = entry->second;
-        if (!resource->has(Resource::hidden) && text::EqualNoCase(resource->name, canonicalName))
-            return resource;
-    }
-    return nullptr;
+void Inv::Warehouse::Data::Add(Resource * resource) {
+    std::uint32_t const key = NameHashLower(resource->name);
+    Bin & bin = getBin(resource->typeInfo);
+    if (!resource->has(Resource::hidden))
+        bin.WarnOfTwin(key, resource->name);
+    resource->flags |= Resource::stored | Resource::frozen;
+    bin.Insert(key, Resource::Retain(resource));
 }
 
-void Inv::Warehouse::Data::warnOfTwin(InvBin & bin, std::uint32_t key, char const * name) {
-    if (bin.entries.find(key) == bin.entries.end())
+Inv::Warehouse::Data::Bin::Bin(ResourceTypeInfo const * type)
+    : type(type), resources(std::less<std::uint32_t>(), Resources::allocator_type(nodePool())) {}
+
+auto Inv::Warehouse::Data::Bin::FindResource(Resource const * resource) -> Entry {
+    auto const [first, last] = resources.equal_range(NameHashLower(resource->name));
+    Entry const entry =
+        std::find_if(first, last, [resource](auto const & each) { return each.second == resource; });
+    return entry != last ? entry : resources.end();
+}
+
+Inv::Resource * Inv::Warehouse::Data::Bin::FindName(char const * canonicalName) {
+    return index.Find(NameHashLower(canonicalName), [canonicalName](Resource const * resource) {
+        return !resource->has(Resource::hidden) && sameName(resource->name, canonicalName);
+    });
+}
+
+void Inv::Warehouse::Data::Bin::WarnOfTwin(std::uint32_t key, char const * name) {
+    if (!index.Find(key, [](Resource const *) { return true; }))
         return;
-    char const * const binName = bin.type->GetBinName();
-    if (Find(bin, name))
+    char const * const binName = type->GetBinName();
+    if (FindName(name))
         dbWarningfAux(c_warningCategory,
                       "Duplicate %s resource '%s' added to inventory - please check the resource!", binName,
                       name);
@@ -110,22 +133,28 @@ void Inv::Warehouse::Data::warnOfTwin(InvBin & bin, std::uint32_t key, char cons
         dbWarningfAux(c_warningCategory, "'%s' Key collision with '%s' added to inventory.", binName, name);
 }
 
-void Inv::Warehouse::Data::Add(Resource * resource) {
-    if (!resource->name)
-        resource->SetName("");
-    std::uint32_t const key = NameHashLower(resource->name);
-    InvBin & bin = getBin(resource->typeInfo);
-    if (!resource->has(Resource::hidden))
-        warnOfTwin(bin, key, resource->name);
-    resource->flags |= Resource::stored | Resource::frozen;
-    bin.entries.emplace_hint(bin.entries.upper_bound(key), key, Resource::Retain(resource));
+void Inv::Warehouse::Data::Bin::Insert(std::uint32_t key, Resource * resource) {
+    resources.emplace(key, resource);
+    if (resources.size() <= index.Capacity())
+        return index.Insert(key, resource);
+    index.Grow();
+    for (auto const & [eachKey, each] : resources)
+        index.Insert(eachKey, each);
+}
+
+void Inv::Warehouse::Data::Bin::erase(Entry entry) {
+    for (Walk * walk = innermost; walk; walk = walk->outer)
+        if (walk->next == entry)
+            ++walk->next;
+    index.Erase(entry->first, entry->second);
+    resources.erase(entry);
 }
 
 bool Inv::Warehouse::FindNamedResource(Resource ** out, char const * name, ResourceTypeInfo const * type) {
     *out = nullptr;
     InvCanonicalName const canonical(type, name);
-    if (InvBin * const bin = data->FindBin(type))
-        *out = data->Find(*bin, canonical.Get());
+    if (Data::Bin * const bin = data->FindBin(type))
+        *out = bin->FindName(canonical.Get());
     return *out != nullptr;
 }
 
@@ -140,8 +169,9 @@ bool Inv::Warehouse::GetResource(Resource ** out, char const * name, ResourceTyp
         return false;
     }
 
+    InvCanonicalName const canonical(type, name);
     Resource * const resource = new Resource;
-    resource->SetName(InvCanonicalName(type, name).Get());
+    resource->SetName(canonical.Get());
     resource->SetTypeInfo(type);
     resource->flags |= Resource::needsLoad | Resource::needsPostLoad;
     data->Add(resource);
@@ -159,24 +189,22 @@ bool Inv::Warehouse::GetResource(Resource ** out, char const * name, ResourceTyp
 }
 
 unsigned int Inv::Warehouse::GetResourcesCount(ResourceTypeInfo const * type) const {
-    InvBin const * const bin = data->FindBin(type);
-    return bin ? static_cast<unsigned int>(bin->entries.size()) : 0;
+    Data::Bin const * const bin = data->FindBin(type);
+    return bin ? static_cast<unsigned int>(bin->resources.size()) : 0;
 }
 
 void Inv::Warehouse::GetResource(Resource ** out, unsigned int index, ResourceTypeInfo const * type) const {
     *out = nullptr;
-    if (InvBin * const bin = data->FindBin(type))
-        if (index < bin->entries.size())
-            *out = std::next(bin->entries.begin(), static_cast<std::ptrdiff_t>(index))->second;
+    if (Data::Bin * const bin = data->FindBin(type))
+        if (index < bin->resources.size())
+            *out = std::next(bin->resources.begin(), static_cast<std::ptrdiff_t>(index))->second;
 }
 
 void Inv::Warehouse::AddResource(Resource * resource, ResourceTypeInfo const * type) {
     resource->flags &= ~Resource::hidden;
     if (!resource->typeInfo)
         resource->SetTypeInfo(type);
-    InvCanonicalName const canonical(type, resource->name);
-    if (canonical.IsTranslated())
-        resource->SetName(canonical.Get());
+    resource->SetName(InvCanonicalName(type, resource->name).Get());
     data->Add(resource);
 }
 

@@ -23,6 +23,7 @@ void CheckReload(Report & report, Game & game) {
         return;
     FilePath::PumpFileChanges(); // what the start wrote is no news
     float const before = tank->speed;
+    float const reach = tank->reach;
     unsigned int const reloads = game.journal.reloads;
 
     std::string error;
@@ -37,6 +38,7 @@ void CheckReload(Report & report, Game & game) {
 
     report.Expect(BuildTable(asset, error), error);
     FilePath::PumpFileChanges();
-    report.Expect(tank->speed == before, "the file as it was brings the old speed back");
+    report.Expect(tank->speed == before && tank->reach == reach,
+                  "the file as it was brings the old tank back");
     report.Evidence("and back");
 }

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -57,6 +58,15 @@ std::unique_ptr<Unit> readUnit(char const * name, WeaponKind const & weapons) {
     attributes.GetNumber("speed", unit->speed);
     unit->weapons = readWeapons(attributes, weapons);
     return unit;
+}
+
+// Loads the weapons that are not there yet.
+float reachOf(Unit const & unit) {
+    float reach = 0.0f;
+    for (inventory::Handle<Weapon> const & weapon : unit.weapons)
+        if (weapon.Get())
+            reach = std::max(reach, weapon->range);
+    return reach;
 }
 
 void noteLoad(LoadJournal & journal, std::string const & key) {
@@ -114,13 +124,14 @@ Inv::NamedResource * UnitKind::Load(char const * name) const {
 }
 
 Inv::NamedResource * UnitKind::Reload(Inv::NamedResource * data) const {
-    return replaceData(journal, readUnit(data->GetName(), weapons), data);
+    std::unique_ptr<Unit> fresh = readUnit(data->GetName(), weapons);
+    if (fresh)
+        fresh->reach = reachOf(*fresh); // no PostLoad follows a reload
+    return replaceData(journal, std::move(fresh), data);
 }
 
 void UnitKind::PostLoad(Inv::NamedResource * data) {
     ++journal.postLoads;
     Unit & unit = static_cast<Unit &>(*data);
-    for (inventory::Handle<Weapon> const & weapon : unit.weapons)
-        if (weapon.Get())
-            unit.reach = std::max(unit.reach, weapon->range);
+    unit.reach = reachOf(unit);
 }
