@@ -44,6 +44,7 @@ TEST(SmallVector, GoesToTheHeapOnlyWhenItMust) {
         Numbers numbers;
         EXPECT_TRUE(numbers.empty());
         fill(numbers, 4);
+        numbers.reserve(4);
         EXPECT_EQ(s_liveBlocks, 0);
         numbers.push_back(4);
         EXPECT_EQ(s_liveBlocks, 1);

@@ -58,8 +58,8 @@ TEST(Text, CopiesWhatFits) {
     }
 
     char overlapping[] = "path/name";
-    EXPECT_TRUE(text::CopyCut(overlapping, sizeof(overlapping), overlapping + 5));
-    EXPECT_STREQ(overlapping, "name");
+    EXPECT_TRUE(text::CopyCut(overlapping, sizeof(overlapping), overlapping + 2));
+    EXPECT_STREQ(overlapping, "th/name");
 }
 
 TEST(Text, PrintsTextsOfAnyLength) {

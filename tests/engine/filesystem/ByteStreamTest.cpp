@@ -136,7 +136,7 @@ TEST(ByteStreamAdapter, NothingEmptyReachesTheStream) {
     FilledStream memory;
     FailingStream stream(memory, 0);
     ByteStreamAdapter adapter(&stream, nullptr);
-    EndianConvertor converter(2);
+    EndianConvertor converter(c_nativePlatform);
     ByteStreamConverter * const converters[] = {nullptr, &converter};
     for (ByteStreamConverter * each : converters) {
         adapter.SetConverter(each);
