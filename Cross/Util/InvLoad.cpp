@@ -7,6 +7,7 @@
 #include "Cross/engine/platform/Window.h"
 
 #include <algorithm>
+#include <string>
 #include <vector>
 
 namespace {
@@ -154,7 +155,7 @@ void Inv::Warehouse::Preload(char const * name, ResourceTypeInfo const * type) {
 void Inv::Warehouse::Preload(ResourceTypeInfo const * type) {
     if (Data::Bin * const bin = data->FindBin(type))
         bin->ForEach([&](Data::Bin::Entry entry) {
-            InvHold const hold(entry->second); // for its name, which may belong to another resource too
-            Preload(entry->second->name, type);
+            // a copy, since the entry may go while another one of its name is loaded
+            Preload(std::string(entry->second->name).c_str(), type);
         });
 }

@@ -438,9 +438,11 @@ TEST_F(InvTest, AnAbortedBatchStartsAfresh) {
     };
     EXPECT_EQ(Front::LoadResources(10), 2u);
     EXPECT_EQ(Front::LoadResources(10), 1u);
+    EXPECT_EQ(Front::LoadResources(10), 1u);
+    Front::LoadResources(1, true); // with c's PostLoad to come
     Front::LoadAllResources();
-    EXPECT_EQ(TakeLog(), (Log{"prepare b", "prepare c", "load b", "prepare c", "load c", "post c"}))
-        << "the others stay owed";
+    EXPECT_EQ(TakeLog(), (Log{"prepare b", "prepare c", "load b", "prepare c", "load c"}))
+        << "what is loaded stays so, and no PostLoad comes any more";
 
     // an idle pump leaves the scheduler alone, an abort ends whatever batch is open
     int ended = 0;
@@ -514,6 +516,17 @@ TEST_F(InvTest, PreloadTouchesNoFlag) {
     EXPECT_EQ(loaded->GetName(), nullptr);
     delete preloaded;
     delete loaded;
+
+    // the name of a hidden resource reaches its visible twin, and may go meanwhile
+    WarningCapture const warnings(c_inventoryWarnings);
+    other.canDefer = true;
+    other.missing = {"b"};
+    other.meanwhile = [] { Front::Flush(); };
+    add("b", other, true);
+    Handle<Asset> const b = other.Get("b");
+    Front::Preload(&other);
+    EXPECT_EQ(TakeLog(), (Log{"load b", "default b", "load b", "default b"}));
+    EXPECT_EQ(Front::GetResourcesCount(&other), 1u);
 }
 
 TEST_F(InvTest, FlushFreesWhatNobodyHolds) {
