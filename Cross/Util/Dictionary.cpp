@@ -11,17 +11,21 @@
 #include <iterator>
 #include <limits>
 #include <new>
+#include <string_view>
 #include <vector>
 
 constinit Dictionary::Key const Dictionary::Key::INVALID;
 
 namespace {
 
+// Fewer instructions in a lookup are more lookups that the processor has under way while it waits for memory.
+// Hence what every lookup runs through is inlined by force here, and what is rare stays out of line.
+
 // A case-blind dictionary cuts its texts to so many characters.
 constexpr std::size_t c_maxFolded = 1024;
 
-// Texts up to this length are hashed and compared as five words that overlap as far as the text is shorter.
-// That takes no branch on the length, which is as good as random from one name to the next.
+// Texts up to this length are folded, hashed and compared as five words that overlap as far as the text is
+// shorter. That takes no branch on the length, which is as good as random from one name to the next.
 constexpr std::size_t c_maxInWords = 40;
 
 constexpr std::size_t c_wordSize = sizeof(std::uint64_t);
@@ -61,14 +65,31 @@ std::uint64_t lowerCased(std::uint64_t word) {
 
 using Fold = std::uint64_t(std::uint64_t);
 
+// Whether a stored text of the same length is the same text.
 template <Fold fold>
-bool sameWords(char const * text, char const * stored, std::size_t length) {
-    if (length < c_wordSize)
-        return fold(shortText(text, length)) == shortText(stored, length);
-    auto const difference = [=](std::size_t i) { return fold(wordAt(text, i)) ^ wordAt(stored, i); };
-    std::size_t const last = length - c_wordSize;
+[[gnu::always_inline]] inline bool sameWords(std::string_view text, char const * stored) {
+    if (text.size() < c_wordSize)
+        return fold(shortText(text.data(), text.size())) == shortText(stored, text.size());
+    auto const difference = [=](std::size_t i) { return fold(wordAt(text.data(), i)) ^ wordAt(stored, i); };
+    std::size_t const last = text.size() - c_wordSize;
     return (difference(0) | difference(last / 4) | difference(last / 2) | difference(last * 3 / 4) |
             difference(last)) == 0;
+}
+
+using FoldBuffer = char[c_maxFolded];
+
+// What counts of a text for a case-blind dictionary, in the buffer. The text may lie there already.
+[[gnu::noinline]] std::string_view folded(std::string_view text, FoldBuffer & buffer) {
+    std::size_t const length = std::min(text.size(), c_maxFolded);
+    std::transform(text.data(), text.data() + length, buffer, [](char c) { return text::ToLower(c); });
+    return {buffer, length};
+}
+
+// A text as it can be asked for: one that is too long to be folded on the fly is folded in the buffer.
+[[gnu::always_inline]] inline std::string_view asked(char const * text, bool caseSensitive,
+                                                     FoldBuffer & buffer) {
+    std::string_view const all(text);
+    return caseSensitive || all.size() <= c_maxInWords ? all : folded(all, buffer);
 }
 
 // -- A hash that is cheaper than the name hash. It serves to find texts again and is never seen outside.
@@ -86,22 +107,22 @@ constexpr std::uint64_t c_salt[6] = {0x9E3779B97F4A7C15, 0xBF58476D1CE4E5B9, 0x9
                                      0xD6E8FEB86659FD93, 0xA0761D6478BD642F, 0xE7037ED1A0B428DB};
 
 template <Fold fold>
-std::uint64_t hashOfWords(char const * text, std::size_t length) {
-    if (length < c_wordSize)
-        return mix(fold(shortText(text, length)) ^ c_salt[4], length ^ c_salt[5]);
-    auto const word = [=](std::size_t i) { return fold(wordAt(text, i)); };
-    std::size_t const last = length - c_wordSize;
+[[gnu::always_inline]] inline std::uint64_t hashOfWords(std::string_view text) {
+    if (text.size() < c_wordSize)
+        return mix(fold(shortText(text.data(), text.size())) ^ c_salt[4], text.size() ^ c_salt[5]);
+    auto const word = [=](std::size_t i) { return fold(wordAt(text.data(), i)); };
+    std::size_t const last = text.size() - c_wordSize;
     return mix(word(0) ^ c_salt[0], word(last / 4) ^ c_salt[1]) ^
            mix(word(last / 2) ^ c_salt[2], word(last * 3 / 4) ^ c_salt[3]) ^
-           mix(word(last) ^ c_salt[4], length ^ c_salt[5]);
+           mix(word(last) ^ c_salt[4], text.size() ^ c_salt[5]);
 }
 
-std::uint64_t hashOfLong(char const * text, std::size_t length) {
-    std::size_t const last = length - 2 * c_wordSize;
-    std::uint64_t hash = length;
+std::uint64_t hashOfLong(std::string_view text) {
+    std::size_t const last = text.size() - 2 * c_wordSize;
+    std::uint64_t hash = text.size();
     for (std::size_t i = 0; i < last; i += 2 * c_wordSize)
-        hash = mix(wordAt(text, i) ^ hash, wordAt(text, i + c_wordSize) ^ c_salt[0]);
-    return mix(wordAt(text, last) ^ hash, wordAt(text, last + c_wordSize) ^ c_salt[1]);
+        hash = mix(wordAt(text.data(), i) ^ hash, wordAt(text.data(), i + c_wordSize) ^ c_salt[0]);
+    return mix(wordAt(text.data(), last) ^ hash, wordAt(text.data(), last + c_wordSize) ^ c_salt[1]);
 }
 
 // -- Stored texts. Each has a label right in front of it, on the same cache line more often than not.
@@ -113,69 +134,20 @@ struct Label {
 
 Label labelOf(char const * text) { return load<Label>(text - sizeof(Label)); }
 
-char * storeText(_HMEMPOOL * pool, char const * text, std::size_t length, std::uint32_t key) {
-    if (length >= std::numeric_limits<unsigned int>::max() - sizeof(Label))
+char * storeText(_HMEMPOOL * pool, std::string_view text, std::uint32_t key) {
+    if (text.size() >= std::numeric_limits<unsigned int>::max() - sizeof(Label))
         throw std::bad_alloc();
-    Label const label = {static_cast<std::uint32_t>(length), key};
-    char * const block =
-        static_cast<char *>(MemPoolAlloc(pool, static_cast<unsigned int>(sizeof(label) + length + 1)));
+    Label const label = {static_cast<std::uint32_t>(text.size()), key};
+    unsigned int const size = static_cast<unsigned int>(sizeof(label) + text.size() + 1);
+    char * const block = static_cast<char *>(MemPoolAlloc(pool, size));
     std::memcpy(block, &label, sizeof(label));
-    std::memcpy(block + sizeof(label), text, length);
-    block[sizeof(label) + length] = '\0';
+    std::memcpy(block + sizeof(label), text.data(), text.size());
+    block[size - 1] = '\0';
     return block + sizeof(label);
 }
 
 void freeText(_HMEMPOOL * pool, char const * text) {
     MemPoolFree(pool, const_cast<char *>(text) - sizeof(Label));
-}
-
-// -- A text that is asked for
-
-// Room for the folded form of a text that is too long to be folded word by word on the fly.
-using FoldBuffer = char[c_maxFolded];
-
-struct Question {
-    char const * text;
-    std::size_t length;
-    std::uint32_t hash;
-    bool isFolded; // whether the text is in the form in which it is stored
-};
-
-// Folds what counts of a text into the buffer and gives its length.
-std::size_t foldText(char const * text, std::size_t length, FoldBuffer & buffer) {
-    length = std::min(length, c_maxFolded);
-    std::transform(text, text + length, buffer, [](char c) { return text::ToLower(c); });
-    return length;
-}
-
-Question ask(char const * text, bool caseSensitive, FoldBuffer & buffer) {
-    std::size_t length = std::strlen(text);
-    if (length > c_maxInWords) {
-        if (!caseSensitive) {
-            length = foldText(text, length, buffer);
-            text = buffer;
-        }
-        return {text, length, static_cast<std::uint32_t>(hashOfLong(text, length) >> 32), true};
-    }
-    std::uint64_t const hash =
-        caseSensitive ? hashOfWords<asItStands>(text, length) : hashOfWords<lowerCased>(text, length);
-    return {text, length, static_cast<std::uint32_t>(hash >> 32), caseSensitive};
-}
-
-// Whether a stored text is the one asked for.
-bool isAnswer(char const * stored, char const * text, std::size_t length, bool isFolded) {
-    if (labelOf(stored).length != length)
-        return false;
-    if (length > c_maxInWords)
-        return std::memcmp(text, stored, length) == 0;
-    return isFolded ? sameWords<asItStands>(text, stored, length)
-                    : sameWords<lowerCased>(text, stored, length);
-}
-
-Question folded(Question const & question, FoldBuffer & buffer) {
-    if (question.isFolded)
-        return question;
-    return {buffer, foldText(question.text, question.length, buffer), question.hash, true};
 }
 
 // -- Tables
@@ -199,26 +171,24 @@ public:
     explicit SpreadTable(std::size_t spread)
         : spread(spread), marks(spread + c_overflow + c_wordSize), items(spread + c_overflow) {}
 
-    // The item under the number for which `matches` holds, null when there is none.
+    // The item under the number for which `matches` holds, null when there is none. Nearly every search ends
+    // with the first item that bears the right mark, or with the first gap.
     template <class Matches>
-    Item const * Find(std::uint32_t number, Matches const & matches) const {
+    [[gnu::always_inline]] Item const * Find(std::uint32_t number, Matches matches) const {
         if (items.empty())
             return nullptr;
-        std::uint64_t const mark = c_ones * markOf(number);
-        std::size_t slot = homeOf(number);
-        __builtin_prefetch(&items[slot]); // marks and items come from memory side by side
-        for (;; slot += c_wordSize) {
-            std::uint64_t const group = groupAt(slot);
-            std::uint64_t const gaps = gapsIn(group);
-            std::uint64_t found = zerosIn(group ^ mark) & (gaps - 1);
-            for (; found != 0; found &= found - 1) {
-                Item const & item = items[slot + firstIn(found)];
-                if (matches(item))
-                    return &item;
-            }
-            if (gaps != 0)
-                return nullptr;
+        std::size_t const home = homeOf(number);
+        __builtin_prefetch(&items[home]); // marks and items come from memory side by side
+        std::uint64_t const group = groupAt(home);
+        std::uint64_t const candidates = candidatesIn(group, number);
+        if (candidates != 0) {
+            Item const & item = items[home + firstIn(candidates)];
+            if (matches(item))
+                return &item;
+        } else if (gapsIn(group) != 0) {
+            return nullptr;
         }
+        return search(number, matches);
     }
 
     // Sees to it that the next Insert finds a gap. Needs slots.
@@ -240,7 +210,7 @@ public:
 
     // Calls visit(first, last) for each run of items between gaps, by ascending numbers.
     template <class Visit>
-    void ForEachRun(Visit const & visit) const {
+    void ForEachRun(Visit visit) const {
         auto const isTaken = [](std::uint8_t mark) { return mark != 0; };
         auto const itemAt = [this](auto mark) { return items.data() + (mark - marks.begin()); };
         auto first = std::find_if(marks.begin(), marks.end(), isTaken);
@@ -253,6 +223,22 @@ public:
 
 private:
     static constexpr std::size_t c_overflow = 32;
+
+    // The whole of a search, from home to gap.
+    template <class Matches>
+    [[gnu::noinline]] Item const * search(std::uint32_t number, Matches matches) const {
+        for (std::size_t slot = homeOf(number);; slot += c_wordSize) {
+            std::uint64_t const group = groupAt(slot);
+            std::uint64_t candidates = candidatesIn(group, number);
+            for (; candidates != 0; candidates &= candidates - 1) {
+                Item const & item = items[slot + firstIn(candidates)];
+                if (matches(item))
+                    return &item;
+            }
+            if (gapsIn(group) != 0)
+                return nullptr;
+        }
+    }
 
     std::size_t homeOf(std::uint32_t number) const {
         return static_cast<std::size_t>(std::uint64_t{number} * spread >> 32);
@@ -270,8 +256,12 @@ private:
     // Bit 7 of each byte that is a gap.
     static std::uint64_t gapsIn(std::uint64_t group) { return ~group & c_ones * 0x80; }
 
-    // Bit 7 of each byte that is 0, and now and then of a byte above one.
-    static std::uint64_t zerosIn(std::uint64_t group) { return (group - c_ones) & ~group & c_ones * 0x80; }
+    // Bit 7 of each byte in front of the first gap that has the mark of the number; now and then of another.
+    static std::uint64_t candidatesIn(std::uint64_t group, std::uint32_t number) {
+        std::uint64_t const difference = group ^ c_ones * markOf(number);
+        std::uint64_t const zeros = (difference - c_ones) & ~difference & c_ones * 0x80;
+        return zeros & (gapsIn(group) - 1);
+    }
 
     static std::size_t firstIn(std::uint64_t bits) {
         return static_cast<std::size_t>(std::countr_zero(bits)) / 8;
@@ -294,11 +284,16 @@ struct Name {
 // which leads to the key. A text that is known is known by that hash, so that asking for a name costs no name
 // hash and no walk along its collisions: those settled its key once and for all when it was stored.
 struct Dictionary::Entries {
-    char const * Find(Question question) const {
-        char const * const * const text = byHash.Find(question.hash, [=](char const * stored) {
-            return isAnswer(stored, question.text, question.length, question.isFolded);
-        });
-        return text ? *text : nullptr;
+    struct Answer {
+        char const * text; // null when it is not known
+        std::uint32_t hash;
+    };
+
+    // Looks up a text that went through asked().
+    [[gnu::always_inline]] Answer Find(std::string_view text, bool caseSensitive) const {
+        if (text.size() > c_maxInWords)
+            return findLong(text);
+        return caseSensitive ? findInWords<asItStands>(text) : findBlind(text);
     }
 
     Name const * Find(std::uint32_t key) const {
@@ -307,21 +302,22 @@ struct Dictionary::Entries {
         return index ? &names[*index] : nullptr;
     }
 
-    // Stores a folded text that is not known yet and gives its key.
-    std::uint32_t Add(Question const & question, _HMEMPOOL * pool) {
+    // Stores a text that is not known yet, in its stored form, and gives its key.
+    std::uint32_t Add(std::string_view text, std::uint32_t hash, _HMEMPOOL * pool) {
         makeRoom();
-        std::uint32_t key = NameHash(question.text, question.length);
+        std::uint32_t key = NameHash(text.data(), text.size());
         while (Find(key))
             ++key;
-        char const * const text = storeText(pool, question.text, question.length, key);
+        char const * const stored = storeText(pool, text, key);
         byKey.Insert(key, static_cast<std::uint32_t>(names.size()));
-        byHash.Insert(question.hash, text);
-        names.push_back({text, key, question.hash});
+        byHash.Insert(hash, stored);
+        names.push_back({stored, key, hash});
         return key;
     }
 
+    // Calls visit(Name) by ascending keys.
     template <class Visit>
-    void ForEach(Visit const & visit) const {
+    void ForEach(Visit visit) const {
         std::vector<Name> run;
         byKey.ForEachRun([&](std::uint32_t const * first, std::uint32_t const * last) {
             run.clear();
@@ -335,6 +331,28 @@ struct Dictionary::Entries {
     std::vector<Name> names; // in the order of storing
 
 private:
+    template <Fold fold>
+    [[gnu::always_inline]] Answer findInWords(std::string_view text) const {
+        return find(hashOfWords<fold>(text), text.size(),
+                    [=](char const * stored) { return sameWords<fold>(text, stored); });
+    }
+
+    [[gnu::noinline]] Answer findBlind(std::string_view text) const { return findInWords<lowerCased>(text); }
+
+    [[gnu::noinline]] Answer findLong(std::string_view text) const {
+        return find(hashOfLong(text), text.size(),
+                    [=](char const * stored) { return std::memcmp(text.data(), stored, text.size()) == 0; });
+    }
+
+    // Finds the text of that hash and length for which `isSame` holds.
+    template <class IsSame>
+    [[gnu::always_inline]] Answer find(std::uint64_t hash, std::size_t length, IsSame isSame) const {
+        std::uint32_t const number = static_cast<std::uint32_t>(hash >> 32);
+        char const * const * const text = byHash.Find(
+            number, [=](char const * stored) { return labelOf(stored).length == length && isSame(stored); });
+        return {text ? *text : nullptr, number};
+    }
+
     // Takes all the memory that one more name needs, so that adding it either happens or changes nothing.
     void makeRoom() {
         if (names.size() == names.capacity())
@@ -353,7 +371,7 @@ private:
             widerByHash.MakeRoom();
             widerByHash.Insert(names[i].hash, names[i].text);
         }
-        names.reserve(spread / 3 * 2); // fuller tables have too long runs
+        names.reserve(spread / 3 * 2); // runs get too long in fuller tables
         byKey = std::move(widerByKey);
         byHash = std::move(widerByHash);
     }
@@ -385,9 +403,11 @@ Dictionary::Key Dictionary::GetKey(char const * text) {
     if (!text)
         return Key::INVALID;
     FoldBuffer buffer;
-    Question const question = ask(text, caseSensitive, buffer);
-    char const * const known = entries->Find(question);
-    return Key(known ? labelOf(known).key : entries->Add(folded(question, buffer), pool));
+    std::string_view const name = asked(text, caseSensitive, buffer);
+    Entries::Answer const answer = entries->Find(name, caseSensitive);
+    if (answer.text)
+        return Key(labelOf(answer.text).key);
+    return Key(entries->Add(caseSensitive ? name : folded(name, buffer), answer.hash, pool));
 }
 
 bool Dictionary::FindKey(char const * text, Key & key) const {
@@ -395,7 +415,7 @@ bool Dictionary::FindKey(char const * text, Key & key) const {
     if (!text)
         return false;
     FoldBuffer buffer;
-    char const * const known = entries->Find(ask(text, caseSensitive, buffer));
+    char const * const known = entries->Find(asked(text, caseSensitive, buffer), caseSensitive).text;
     if (!known)
         return false;
     key = Key(labelOf(known).key);
