@@ -315,8 +315,7 @@ int main(int argc, char ** argv) {
         double buildingLimit;
     };
 
-    // Building a table of eight costs little more than a pool and a checksum, which the peer does without.
-    constexpr Size c_sizes[] = {{8, 0.6, 2.0}, {64, 0.4, 1.0}, {1'000, 0.3, 1.0}, {100'000, 0.25, 0.5}};
+    constexpr Size c_sizes[] = {{8, 0.6, 1.0}, {64, 0.4, 1.0}, {1'000, 0.3, 1.0}, {100'000, 0.25, 0.5}};
     std::vector<std::string> const names = makeNames(100'000, 2);
     std::vector<std::unique_ptr<Lookup>> lookups;
     for (Size const & size : c_sizes) {

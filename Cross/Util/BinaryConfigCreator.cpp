@@ -19,7 +19,7 @@ constexpr std::size_t c_scannedChildren = 8; // more than these are found by ind
 constexpr std::size_t c_comparedName = 255;  // names that agree in so many characters are equal
 
 // Small entries are cut from blocks of the pool.
-constexpr std::size_t c_block = 2048;
+constexpr std::size_t c_block = 1008;
 constexpr std::size_t c_smallEntry = 256;
 
 std::size_t sizeWithEnd(char const * text) { return std::strlen(text) + 1; }

@@ -3,6 +3,7 @@
 // The nodes of the tree of a BinaryConfigCreator. Private to the library.
 
 #include "Cross/Util/BinaryConfigCreator.h"
+#include "Cross/engine/core/SmallVector.h"
 
 #include <cstdint>
 #include <vector>
@@ -35,7 +36,9 @@ public:
     // The key must be new. Throws std::bad_alloc, and then nothing has changed.
     void Add(InternalEntry * entry);
 
-    std::vector<InternalEntry *> const & InOrder() const { return entries; }
+    using Entries = ast::smallvector<InternalEntry *, 8>;
+
+    Entries const & InOrder() const { return entries; }
 
     Children * Previous() const { return previous; }
 
@@ -51,7 +54,7 @@ private:
     static std::size_t slotOf(Index const & index, std::uint32_t key);
     void growIndex();
 
-    std::vector<InternalEntry *> entries;
+    Entries entries;
     Index index; // by key, once a scan would take longer; a power of two, at most half of the slots are used
     Children * previous;
 };

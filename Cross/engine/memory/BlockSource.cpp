@@ -59,8 +59,9 @@ private:
 
 #ifndef CROSS_SANITIZED
 
-// Cuts blocks from buffers, one behind the other. Buffers grow with the need up to a size that the heap still
-// serves from memory at hand; a block too large for that gets a buffer of its own.
+// Cuts blocks from buffers, one behind the other. The first buffer is its own, so that a short-lived pool
+// asks the heap for nothing more; the others grow with the need up to a size that the heap still serves from
+// memory at hand. A block too large for that gets a buffer of its own.
 class BumpSource final : public BlockSource {
 public:
     void * Take(std::size_t bytes) override {
@@ -80,20 +81,22 @@ public:
 
     void GiveAll() noexcept override {
         buffers.GiveAll();
-        next = nullptr;
-        left = 0;
-        nextBuffer = c_firstBuffer;
+        next = first;
+        left = sizeof(first);
+        nextBuffer = c_secondBuffer;
     }
 
 private:
     static constexpr std::size_t c_firstBuffer = 2048;
+    static constexpr std::size_t c_secondBuffer = 4096;
     static constexpr std::size_t c_largestBuffer = 65536;
     static constexpr std::size_t c_largestShared = c_firstBuffer / 2;
 
     ListedSource buffers;
-    unsigned char * next = nullptr;
-    std::size_t left = 0;
-    std::size_t nextBuffer = c_firstBuffer;
+    alignas(c_blockAlignment) unsigned char first[c_firstBuffer];
+    unsigned char * next = first;
+    std::size_t left = sizeof(first);
+    std::size_t nextBuffer = c_secondBuffer;
 };
 
 // Small blocks are cut from shared buffers and kept for the next one of their size when they come back; large
@@ -151,8 +154,12 @@ std::unique_ptr<BlockSource> MakeBumpSource() { return std::make_unique<ListedSo
 
 #else
 
-std::unique_ptr<BlockSource> MakeRecyclingSource() { return std::make_unique<RecyclingSource>(); }
+// The first buffers need no zeroes.
 
-std::unique_ptr<BlockSource> MakeBumpSource() { return std::make_unique<BumpSource>(); }
+std::unique_ptr<BlockSource> MakeRecyclingSource() {
+    return std::make_unique_for_overwrite<RecyclingSource>();
+}
+
+std::unique_ptr<BlockSource> MakeBumpSource() { return std::make_unique_for_overwrite<BumpSource>(); }
 
 #endif
