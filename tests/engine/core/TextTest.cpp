@@ -73,24 +73,18 @@ TEST(Text, PrintsTextsOfAnyLength) {
     }
 }
 
+// The C locale has no euro sign, so the C library refuses a format with one.
 TEST(Text, PrintsIntoBuffers) {
     char buffer[6] = "#####";
     EXPECT_EQ(text::PrintfCut(buffer, 0, "%d", 12345), 5u);
     EXPECT_STREQ(buffer, "#####");
-    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "%d", 12345), 5u);
-    EXPECT_STREQ(buffer, "12345");
     EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "%d", 123456), 6u);
     EXPECT_STREQ(buffer, "12345");
-}
-
-// The C locale has no euro sign, so the C library refuses this one.
-TEST(Text, ARefusedFormatGivesNothing) {
+    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "price %ls", L"\u20AC"), 0u);
+    EXPECT_STREQ(buffer, "");
     std::string out = "before";
     EXPECT_FALSE(text::Printf(out, "price %ls", L"\u20AC"));
     EXPECT_EQ(out, "");
-    char buffer[] = "before";
-    EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "price %ls", L"\u20AC"), 0u);
-    EXPECT_STREQ(buffer, "");
 }
 
 TEST(Text, NumbersHaveAPointUnderAnyLocale) {

@@ -1,13 +1,13 @@
 #include "Cross/engine/diagnostics/Trace.h"
 
 #include "tests/support/HeapLimit.h"
+#include "tests/support/OnFourThreads.h"
 #include "tests/support/TraceCapture.h"
 
 #include <gtest/gtest.h>
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -33,13 +33,10 @@ std::vector<std::string> splitLines(std::string const & text) {
 
 TEST_F(Trace, TheSinkGetsTheBareText) {
     TraceCapture capture;
-    for (std::size_t length : {0u, 1023u, 1024u, 100000u})
+    for (std::size_t length : {0u, 1023u, 1024u, 100000u}) {
         dbTimeStampedTracefAux("%s%d", std::string(length, 'x').c_str(), 7);
-    ASSERT_EQ(capture.lines.size(), 4u);
-    EXPECT_EQ(capture.lines[0], "7");
-    EXPECT_EQ(capture.lines[1], std::string(1023, 'x') + "7");
-    EXPECT_EQ(capture.lines[2], std::string(1024, 'x') + "7");
-    EXPECT_EQ(capture.lines[3], std::string(100000, 'x') + "7");
+        EXPECT_EQ(capture.lines.back(), std::string(length, 'x') + "7");
+    }
     dbTimeStampedTracefAux("%s", "100%s%n");
     EXPECT_EQ(capture.lines.back(), "100%s%n");
 }
@@ -53,30 +50,21 @@ TEST_F(Trace, GoesToStderrWithATimeStamp) {
         << printed;
 }
 
-TEST_F(Trace, DropsWhatASinkTraces) {
-    static int s_calls;
-    s_calls = 0;
-    dbTraceSetSink(
-        [](char const *, void *) {
-            ++s_calls;
-            dbTimeStampedTracefAux("inner");
-        },
-        nullptr);
-    testing::internal::CaptureStderr();
-    dbTimeStampedTracefAux("outer");
-    dbTimeStampedTracefAux("outer");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(s_calls, 2);
-}
-
-TEST_F(Trace, ASinkMayReplaceItselfOrThrow) {
+TEST_F(Trace, ASinkMayTraceReplaceItselfAndThrow) {
     static int s_later;
     s_later = 0;
-    dbTraceSetSink([](char const *, void *) { dbTraceSetSink(&countLine, &s_later); }, nullptr);
+    testing::internal::CaptureStderr();
+    dbTraceSetSink(
+        [](char const *, void *) {
+            dbTimeStampedTracefAux("dropped");
+            dbTraceSetSink(&countLine, &s_later);
+        },
+        nullptr);
     dbTimeStampedTracefAux("first");
     EXPECT_EQ(s_later, 0);
     dbTimeStampedTracefAux("second");
     EXPECT_EQ(s_later, 1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 
     dbTraceSetSink([](char const *, void *) { throw std::runtime_error("full"); }, nullptr);
     EXPECT_THROW(dbTimeStampedTracefAux("third"), std::runtime_error);
@@ -99,14 +87,10 @@ TEST_F(Trace, AnExhaustedHeapCutsTheText) {
 
 TEST_F(Trace, LinesOfThreadsNeverMix) {
     testing::internal::CaptureStderr();
-    std::vector<std::thread> threads;
-    for (char letter : {'a', 'b', 'c', 'd'})
-        threads.emplace_back([letter] {
-            for (int i = 0; i < 50; ++i)
-                dbTimeStampedTracefAux("%s", std::string(2000, letter).c_str());
-        });
-    for (std::thread & thread : threads)
-        thread.join();
+    OnFourThreads([](int thread) {
+        for (int i = 0; i < 50; ++i)
+            dbTimeStampedTracefAux("%s", std::string(2000, static_cast<char>('a' + thread)).c_str());
+    });
     std::vector<std::string> const lines = splitLines(testing::internal::GetCapturedStderr());
     EXPECT_EQ(lines.size(), 200u);
     for (std::string const & line : lines) {
