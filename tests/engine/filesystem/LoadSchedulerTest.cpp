@@ -35,31 +35,23 @@ TEST(LoadScheduler, TakesFilesBetweenBeginAndSchedule) {
     EXPECT_EQ(ended, Ended{"batch2"});
 }
 
-TEST(LoadScheduler, AbortAndEndDoNoHarmWhenClosed) {
-    LoadScheduler::AbortSharedBatch();
-    LoadScheduler::ScheduleSharedBatch();
-    LoadScheduler::EndSharedBatch();
-
+TEST(LoadScheduler, EachBatchEndsOnce) {
     Ended ended;
     LoadScheduler::BeginSharedBatch("aborted", &noteEnd, &ended);
     LoadScheduler::AbortSharedBatch();
     LoadScheduler::AddFile("late");
     LoadScheduler::EndSharedBatch();
-    LoadScheduler::EndSharedBatch();
+    LoadScheduler::ScheduleSharedBatch();
     EXPECT_EQ(ended, Ended{"aborted0"});
 
-    LoadScheduler::BeginSharedBatch("Inv::Resources", nullptr, nullptr);
-    LoadScheduler::EndSharedBatch();
-}
-
-TEST(LoadScheduler, BeginEndsTheBatchThatIsOpen) {
-    Ended ended;
+    // a begin ends the batch that is open, also from inside another one's end
     LoadScheduler::BeginSharedBatch("first", &noteEnd, &ended);
     LoadScheduler::BeginSharedBatch(nullptr, &noteEndAndBeginNext, &ended);
-    EXPECT_EQ(ended, Ended{"first0"});
     LoadScheduler::EndSharedBatch();
     LoadScheduler::EndSharedBatch();
-    EXPECT_EQ(ended, (Ended{"first0", "0", "next0"}));
+    LoadScheduler::BeginSharedBatch("no callback", nullptr, nullptr);
+    LoadScheduler::EndSharedBatch();
+    EXPECT_EQ(ended, (Ended{"aborted0", "first0", "0", "next0"}));
 }
 
 } // namespace

@@ -69,56 +69,43 @@ TEST(PathText, SplitsIntoPartsThatRejoin) {
     }
 }
 
-struct MakeCase {
-    char const * alias;
-    char const * directory;
-    char const * name;
-    char const * extension;
-    char const * path;
-};
-
-constexpr MakeCase c_makeCases[] = {
-    {"DATA", "art", "tank", "tga", "DATA:art/tank.tga"},
-    // separators that are there already are not doubled
-    {"DATA:", "art/", "tank", ".tga", "DATA:art/tank.tga"},
-    {"DATA", "art\\", "tank", "", "DATA:art\\tank"},
-    // empty parts leave nothing behind
-    {"DATA", "", "", "", "DATA:"},
-    {"DATA", "art", "", "", "DATA:art"},
-    {"", "", "tank", "tga", "tank.tga"},
-    {nullptr, nullptr, nullptr, nullptr, ""},
-};
-
 TEST(PathText, MakesPaths) {
-    for (MakeCase const & row : c_makeCases) {
+    struct Case {
+        char const * parts[4];
+        char const * path;
+    };
+
+    constexpr Case c_cases[] = {
+        {{"DATA", "art", "tank", "tga"}, "DATA:art/tank.tga"},
+        // separators that are there already are not doubled
+        {{"DATA:", "art/", "tank", ".tga"}, "DATA:art/tank.tga"},
+        {{"DATA", "art\\", "tank", ""}, "DATA:art\\tank"},
+        // empty parts leave nothing behind
+        {{"DATA", "art", "", ""}, "DATA:art"},
+        {{nullptr, nullptr, nullptr, nullptr}, ""},
+    };
+    for (Case const & row : c_cases) {
         PathBuffer path("");
-        EXPECT_TRUE(fs::MakePath(path.text, row.alias, row.directory, row.name, row.extension));
+        EXPECT_TRUE(fs::MakePath(path.text, row.parts[0], row.parts[1], row.parts[2], row.parts[3]));
         EXPECT_STREQ(path.text, row.path);
     }
 }
 
-TEST(PathText, BuffersMayBeTheirOwnInput) {
+TEST(PathText, SetsReplacesAndTakesAwayAlsoInPlace) {
     PathBuffer path("tank");
-    EXPECT_TRUE(fs::MakePath(path.text, "DATA", "art", path.text, "tga"));
-    EXPECT_STREQ(path.text, "DATA:art/tank.tga");
-    EXPECT_TRUE(fs::SplitPath(path.text, nullptr, nullptr, path.text, nullptr));
-    EXPECT_STREQ(path.text, "tank");
-    PathBuffer overlapping("x.extension");
-    EXPECT_TRUE(fs::RetrieveExtension(overlapping.text, overlapping.text));
-    EXPECT_STREQ(overlapping.text, "extension");
-}
-
-TEST(PathText, SetsReplacesAndTakesAway) {
-    PathBuffer path("art/tank");
-    EXPECT_TRUE(fs::SetAlias(path.text, "log"));
-    EXPECT_TRUE(fs::SetExtension(path.text, "txt"));
-    EXPECT_STREQ(path.text, "log:art/tank.txt");
+    EXPECT_TRUE(fs::MakePath(path.text, "log", "art", path.text, "txt"));
     EXPECT_TRUE(fs::SetAlias(path.text, "DATA:"));
     EXPECT_TRUE(fs::SetExtension(path.text, ".tga"));
     EXPECT_STREQ(path.text, "DATA:art/tank.tga");
     EXPECT_TRUE(fs::SetAlias(path.text, nullptr));
     EXPECT_TRUE(fs::SetExtension(path.text, ""));
     EXPECT_STREQ(path.text, "art/tank");
+    EXPECT_TRUE(fs::SetAlias(path.text, "log"));
+    EXPECT_TRUE(fs::SetExtension(path.text, "extension"));
+    EXPECT_TRUE(fs::RetrieveExtension(path.text, path.text));
+    EXPECT_STREQ(path.text, "extension");
+    EXPECT_TRUE(fs::SplitPath(path.text, nullptr, nullptr, path.text, nullptr));
+    EXPECT_STREQ(path.text, "extension");
 }
 
 TEST(PathText, LongestPathIs259Characters) {

@@ -26,34 +26,24 @@ TEST(RamStream, GrowsAndOverwrites) {
     stream.SetPos(5);
     stream.Write("#", 1);
     expected[5] = '#';
-    EXPECT_EQ(stream.GetPos(), 6u);
-    ASSERT_EQ(stream.GetLen(), expected.size());
-    EXPECT_EQ(std::string(static_cast<char *>(stream.GetBuffer()), stream.GetLen()), expected);
-
-    // across the end
     stream.SetPos(stream.GetLen() - 1);
-    stream.Write("ab", 2);
-    EXPECT_EQ(stream.GetLen(), expected.size() + 1);
+    stream.Write("ab", 2); // across the end
+    expected.replace(expected.size() - 1, 1, "ab");
+    EXPECT_EQ(std::string(static_cast<char *>(stream.GetBuffer()), stream.GetLen()), expected);
 }
 
-TEST(RamStream, AGapIsFilledWithZeros) {
-    FilledStream stream("ab");
-    stream->SetPos(5);
-    EXPECT_EQ(stream->GetLen(), 2u); // moving alone does not write
-    stream->Write("c", 1);
-    EXPECT_EQ(stream.Content(), std::string("ab\0\0\0c", 6));
-}
-
-TEST(RamStream, ReadsBackWhatWasWritten) {
+TEST(RamStream, ReadsToTheEndAndFillsAGapWithZeros) {
     FilledStream stream("abcdef");
     char buffer[8] = "";
     EXPECT_EQ(stream->Read(buffer, 4), 4u);
     EXPECT_EQ(stream->Read(buffer, 4), 2u); // the rest
     EXPECT_EQ(std::string(buffer, 4), "efcd");
+    stream->SetPos(8);
     EXPECT_EQ(stream->Read(buffer, 4), 0u);
-    stream->SetPos(7);
-    EXPECT_EQ(stream->Read(buffer, 4), 0u);
-    EXPECT_EQ(stream->GetPos(), 7u);
+    EXPECT_EQ(stream->GetPos(), 8u);
+    EXPECT_EQ(stream->GetLen(), 6u); // moving alone does not write
+    stream->Write("g", 1);
+    EXPECT_EQ(stream.Content(), std::string("abcdef\0\0g", 9));
 }
 
 TEST(RamStream, DetachGivesTheBytesAwayAndCloses) {
@@ -62,10 +52,6 @@ TEST(RamStream, DetachGivesTheBytesAwayAndCloses) {
     std::unique_ptr<char[]> const bytes(static_cast<char *>(stream->Detach()));
     EXPECT_EQ(std::string(bytes.get(), 3), "abc");
     EXPECT_FALSE(stream->IsOpen());
-    EXPECT_EQ(stream->GetLen(), 0u);
-    EXPECT_EQ(stream->GetBuffer(), nullptr);
-    EXPECT_EQ(stream->Write("x", 1), 0u);
-
     ASSERT_TRUE(stream->Open(0, c_streamWrite));
     EXPECT_EQ(stream->Write("x", 1), 1u);
     EXPECT_EQ(stream.Content(), "x");
@@ -73,8 +59,6 @@ TEST(RamStream, DetachGivesTheBytesAwayAndCloses) {
 
 TEST(RamStream, OnlyAnOpenWriterTakesBytes) {
     RamStream stream;
-    EXPECT_FALSE(stream.IsOpen());
-    EXPECT_FALSE(stream.Flush());
     EXPECT_EQ(stream.Write("x", 1), 0u);
     EXPECT_TRUE(stream.Open(0x1000, c_streamRead));
     EXPECT_EQ(stream.Write("x", 1), 0u);
