@@ -41,6 +41,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     Job job;
     AddTableVerbs(app, job);
     AddScriptVerbs(app, job);
+    AddSyncVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {
@@ -64,6 +65,16 @@ ExitCode runGuarded(int argc, char const * const * argv, Output const & output) 
 }
 
 } // namespace
+
+void PrintLines(std::ostream & stream, char const * verdict, Lines const & lines) {
+    for (std::string const & line : lines)
+        stream << (&line == &lines.front() ? verdict : "") << line << '\n';
+}
+
+ExitCode Fail(Output const & output, Lines const & reasons) {
+    PrintLines(output.err, "failed: ", reasons);
+    return exitFailed;
+}
 
 int RunCrosstool(int argc, char const * const * argv, std::ostream & out, std::ostream & err) {
     HeldTrace trace;

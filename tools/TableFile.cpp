@@ -1,17 +1,17 @@
 #include "tools/TableFile.h"
 
+#include "tools/InputFile.h"
+
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/filesystem/Chunky.h"
-#include "Cross/engine/filesystem/FilePathHDRaw.h"
 
 #include <zlib.h>
 
 #include <algorithm>
 #include <cstdarg>
 #include <exception>
-#include <filesystem>
 
 namespace {
 
@@ -140,27 +140,7 @@ private:
     bool isForeign = false;
 };
 
-std::string whyNotOpen(std::string const & path) {
-    std::error_code error;
-    std::filesystem::file_status const status = std::filesystem::status(path, error);
-    switch (status.type()) {
-    case std::filesystem::file_type::not_found:
-        return "does not exist";
-    case std::filesystem::file_type::directory:
-        return "is a directory";
-    default:
-        return error ? error.message() : "cannot be opened";
-    }
-}
-
 } // namespace
-
-ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string> & findings) {
-    ByteStreamProxy stream(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamRead, false));
-    if (!stream)
-        findings.push_back(path + ": " + whyNotOpen(path));
-    return stream;
-}
 
 TableState OpenTableFile(std::string const & path, BinaryConfig & config,
                          std::vector<std::string> & findings) {

@@ -2,8 +2,6 @@
 
 // A table file from outside: opened by its plain path, checked to the last byte, and only then loaded.
 
-#include "Cross/engine/filesystem/ByteStream.h"
-
 #include <string>
 #include <vector>
 
@@ -14,9 +12,6 @@ enum class TableState {
     damaged, // the file opens, but is not a whole and sound table file
     failed   // it does not open, or holds what cannot be read on this machine
 };
-
-// Opens a file by its plain path. Empty, with the reason in `findings`, when it cannot be opened.
-ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string> & findings);
 
 // Checks a file and, when it is good, loads it into `config`, whose cursor must stand at its base. Otherwise
 // `findings` tells what is wrong, in the order found, each "file: offset 0x..: what" (without an offset when

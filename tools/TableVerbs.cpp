@@ -1,3 +1,4 @@
+#include "tools/InputFile.h"
 #include "tools/TableDiff.h"
 #include "tools/TableFile.h"
 #include "tools/TableView.h"
@@ -15,21 +16,8 @@
 
 namespace {
 
-using Lines = std::vector<std::string>;
-
 // Built tables are in the native byte order.
 constexpr PlatformType c_platform = 1;
-
-// Prints the verdict in front of the first line, and the others below.
-void printLines(std::ostream & stream, char const * verdict, Lines const & lines) {
-    for (std::string const & line : lines)
-        stream << (&line == &lines.front() ? verdict : "") << line << '\n';
-}
-
-ExitCode fail(Output const & output, Lines const & reasons) {
-    printLines(output.err, "failed: ", reasons);
-    return exitFailed;
-}
 
 // For the verbs that need good tables.
 bool openGood(std::string const & path, BinaryConfig & config, Lines & findings) {
@@ -70,9 +58,9 @@ ExitCode saveTable(BuildArguments const & arguments, BinaryConfigCreator const &
     BinaryConfig table;
     BinaryConfigIO::CreateBinaryConfig(creator, table, c_platform);
     if (!BinaryConfigIO::Save(withoutAlias(arguments.target).c_str(), table, c_platform))
-        return fail(output, {arguments.target + ": cannot be written"});
+        return Fail(output, {arguments.target + ": cannot be written"});
     if (!arguments.names.empty() && !saveNames(arguments.names, report.names))
-        return fail(output, {arguments.names + ": cannot be written"});
+        return Fail(output, {arguments.names + ": cannot be written"});
     output.out << "good: " << arguments.target << ": " << Summary(table) << '\n';
     for (std::string const & warning : report.warnings)
         output.err << "warning: " << warning << '\n';
@@ -82,15 +70,15 @@ ExitCode saveTable(BuildArguments const & arguments, BinaryConfigCreator const &
 ExitCode build(BuildArguments const & arguments, Output const & output) {
     for (std::string const & written : {arguments.target, arguments.names})
         if (isSameFile(arguments.source, written))
-            return fail(output, {written + ": would overwrite the source"});
+            return Fail(output, {written + ": would overwrite the source"});
     Lines reasons;
     ByteStreamProxy const stream = OpenForReading(arguments.source, reasons);
     if (!stream)
-        return fail(output, reasons);
+        return Fail(output, reasons);
     BinaryConfigCreator creator;
     TableSource::Report report;
     if (!TableSource::Build(*stream, creator, report))
-        return fail(output, report.errors);
+        return Fail(output, report.errors);
     return saveTable(arguments, creator, report, output);
 }
 
@@ -105,7 +93,7 @@ ExitCode dump(DumpArguments const & arguments, Output const & output) {
     Lines reasons;
     if ((!arguments.names.empty() && !names.Load(arguments.names, reasons)) ||
         !openGood(arguments.file, table, reasons))
-        return fail(output, reasons);
+        return Fail(output, reasons);
     if (arguments.asJson) {
         PrintJson(table, names, arguments.file, output.out);
         return exitGood;
@@ -123,19 +111,19 @@ ExitCode verify(std::string const & file, Output const & output) {
         output.out << "good: " << file << ": " << Summary(table) << '\n';
         return exitGood;
     case TableState::damaged:
-        printLines(output.out, "damaged: ", findings);
+        PrintLines(output.out, "damaged: ", findings);
         return exitFinding;
     case TableState::failed:
         break;
     }
-    return fail(output, findings);
+    return Fail(output, findings);
 }
 
 ExitCode crc(std::string const & file, Output const & output) {
     BinaryConfig table;
     Lines reasons;
     if (!openGood(file, table, reasons))
-        return fail(output, reasons);
+        return Fail(output, reasons);
     output.out << KeyText(table.GetCRC()) << ' ' << file << '\n';
     return exitGood;
 }
@@ -151,7 +139,7 @@ ExitCode diff(DiffArguments const & arguments, Output const & output) {
     Lines reasons;
     if ((!arguments.names.empty() && !names.Load(arguments.names, reasons)) ||
         !openGood(arguments.first, first, reasons) || !openGood(arguments.second, second, reasons))
-        return fail(output, reasons);
+        return Fail(output, reasons);
     Lines const differences = DiffTables(first, second, names);
     std::string const pair = arguments.first + " and " + arguments.second + ": ";
     if (differences.empty()) {
@@ -160,7 +148,7 @@ ExitCode diff(DiffArguments const & arguments, Output const & output) {
     }
     output.out << "different: " << pair << differences.size()
                << (differences.size() == 1 ? " difference\n" : " differences\n");
-    printLines(output.out, "", differences);
+    PrintLines(output.out, "", differences);
     return exitFinding;
 }
 

@@ -1,7 +1,7 @@
 #include "tools/TableView.h"
 
+#include "tools/InputFile.h"
 #include "tools/Quote.h"
-#include "tools/TableFile.h"
 #include "tools/tablesource/TableSource.h"
 
 #include "Cross/engine/core/Text.h"

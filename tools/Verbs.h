@@ -9,6 +9,8 @@
 
 #include <functional>
 #include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace CLI {
 class App;
@@ -29,7 +31,16 @@ struct Output {
 // be good.
 using Job = std::function<ExitCode(Output const & output)>;
 
+using Lines = std::vector<std::string>;
+
+// Prints the verdict in front of the first line, and the others below.
+void PrintLines(std::ostream & stream, char const * verdict, Lines const & lines);
+
+// The end of a verb that could not do its work.
+ExitCode Fail(Output const & output, Lines const & reasons);
+
 // Each adds the verbs of a format, which set `job`; both must outlive the parsing.
+void AddSyncVerbs(CLI::App & app, Job & job);
 void AddTableVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
 

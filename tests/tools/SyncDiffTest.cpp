@@ -1,0 +1,169 @@
+#include "tools/SyncDiff.h"
+
+#include "tests/support/ReasonOf.h"
+#include "tests/support/StreamBytes.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tools/Verbs.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+SyncReport diff(std::string const & first, std::string const & second) {
+    FilledStream firstStream(first), secondStream(second);
+    return DiffSync(firstStream, secondStream);
+}
+
+// One frame with two units, as a block prints it.
+std::string frame(int number, std::string const & x, std::string const & alive) {
+    return "Total CRC: [ 1f0c93ab ]\nSim: \n{\n  frame: [ " + std::to_string(number) +
+           " ]\n  unit: \n  {\n    pos: [ " + x + " ]\n    alive: [ true <1> ]\n  }\n" +
+           "  unit: \n  {\n    pos: [ 0.0 <0> ]\n    alive: [ " + alive + " ]\n  }\n}\n";
+}
+
+std::string const c_alive = "true <1>";
+
+std::string replaced(std::string text, std::string const & what, std::string const & with) {
+    return text.replace(text.find(what), what.size(), with);
+}
+
+} // namespace
+
+TEST(SyncDiff, NamesFrameGroupAndValueOfTheFirstDifference) {
+    std::string const good = frame(7, "1.0 <3f800000>", c_alive) + frame(8, "1.0 <3f800000>", c_alive);
+
+    struct Case {
+        char const * rule;
+        std::string other;
+        char const * frame;
+        char const * path;
+        std::uint64_t firstLine, secondLine, laterGroups;
+    };
+
+    Case const c_cases[] = {
+        {"a value", replaced(good, "3f800000", "3f800001"), "7", "Sim/unit/pos", 7, 7, 0},
+        {"a value in the second block",
+         frame(7, "1.0 <3f800000>", c_alive) + frame(8, "1.0 <3f800002>", c_alive), "8", "Sim/unit/pos", 22,
+         22, 0},
+        {"each later group counts once",
+         frame(7, "2.0 <40000000>", "false <0>") + frame(8, "2.0 <40000000>", c_alive), "7", "Sim/unit/pos",
+         7, 7, 2},
+        {"the frame itself", frame(9, "1.0 <3f800000>", c_alive) + frame(8, "1.0 <3f800000>", c_alive), "",
+         "Sim/frame", 4, 4, 0},
+        {"a line more in a group: the comparison goes on behind the group",
+         replaced(frame(7, "1.0 <3f800000>", c_alive), "    alive", "    between moves\n    alive") +
+             frame(8, "2.0 <40000000>", c_alive),
+         "7", "Sim/unit", 8, 8, 1},
+        {"a group less",
+         replaced(good, "  unit: \n  {\n    pos: [ 0.0 <0> ]\n    alive: [ true <1> ]\n  }\n", ""), "7",
+         "Sim", 10, 10, 0},
+        {"cut short", good.substr(0, good.size() - 2), "8", "Sim", 30, 0, 0},
+    };
+    for (Case const & test : c_cases) {
+        SCOPED_TRACE(test.rule);
+        SyncReport const report = diff(good, test.other);
+        EXPECT_TRUE(report.linesDiffer);
+        EXPECT_EQ(report.frame, test.frame);
+        EXPECT_EQ(report.path, test.path);
+        EXPECT_EQ(report.difference[0].number, test.firstLine);
+        EXPECT_EQ(report.difference[1].number, test.secondLine);
+        EXPECT_EQ(report.laterGroups, test.laterGroups);
+    }
+    EXPECT_TRUE(diff(good, good).AreEqual());
+    EXPECT_EQ(diff(good, good).lines, 30u);
+}
+
+TEST(SyncDiff, TotalsAloneAreADifference) {
+    SyncReport const report = diff("Total CRC: [ 1 ]\n", "Total CRC: [ 2 ]\n");
+    EXPECT_FALSE(report.AreEqual());
+    EXPECT_FALSE(report.linesDiffer);
+    EXPECT_EQ(report.totals[0] + "|" + report.totals[1], "1|2");
+}
+
+// A block that closes more than it opened, and one that is cut inside a group, are compared all the same.
+TEST(SyncDiff, UnbalancedGroupsAreCompared) {
+    std::string const begin = "Total CRC: [ 1 ]\n}\n}\na: \n{\n  b: [ 1 ]\n";
+    EXPECT_TRUE(diff(begin, begin).AreEqual());
+    EXPECT_EQ(diff(begin + "  c: [ 1 ]", begin + "  c: [ 2 ]").path, "a/c");
+    EXPECT_EQ(diff(begin + "Total CRC: [ 3 ]\nd: [ 1 ]\n", begin + "Total CRC: [ 3 ]\nd: [ 2 ]\n").path, "d");
+}
+
+TEST(SyncDiff, WhatIsNoBlockIsRefusedWithItsLine) {
+    std::string const block = "Total CRC: [ 1 ]\n";
+    std::string deep = block;
+    for (int depth = 0; depth < 10'001; ++depth)
+        deep += "g: \n{\n";
+    std::pair<std::string, std::string> const c_cases[] = {
+        {"", "line 0: this is no printed sync block"},
+        {std::string("\x7F"
+                     "ELF\0\n\xFF",
+                     7),
+         "line 1: this is no printed sync block"},
+        {block + std::string(70'000, 'x'), "line 2: the line is longer than a printed block has"},
+        {deep, "line 20003: groups are nested too deep"},
+    };
+    for (auto const & [text, reason] : c_cases)
+        EXPECT_NE(ReasonOf([&] { diff(text, text); }).find(reason), std::string::npos) << reason;
+}
+
+TEST(SyncDiff, DistancesComeFromTheBitPatterns) {
+    struct Case {
+        char const * first;
+        char const * second;
+        std::vector<std::string> distances;
+    };
+
+    Case const c_cases[] = {
+        {"[ 1.0 <3f800000> ]", "[ 1.0 <3f800001> ]", {"number 1: 1 unit in the last place"}},
+        {"[ (0.0 <0>, 1.0 <3f800000>) ]",
+         "[ (-0.0 <80000000>, 2.0 <40000000>) ]",
+         {"number 1: 0 units in the last place", "number 2: 8388608 units in the last place"}},
+        {"[ 1e-45 <1> ]", "[ -1e-45 <80000001> ]", {"number 1: 2 units in the last place"}},
+        {"[ nan <7fc00000> ]", "[ 1.0 <3f800000> ]", {"number 1: not a number"}},
+        {"[ true <1> ]", "[ false <0> ]", {}},
+        {"[ 12 ]", "[ 13 ]", {}},
+        {"[ a <b ]", "[ a <c ]", {}},
+    };
+    for (Case const & test : c_cases)
+        EXPECT_EQ(SyncDistances(test.first, test.second), test.distances) << test.first;
+}
+
+TEST(SyncDiff, TheVerbPrintsVerdictPlaceAndSurroundings) {
+    TemporaryFolder folder;
+    folder.WriteFile("left.txt", frame(137, "1.0 <3f800000>", c_alive));
+    folder.WriteFile("right.txt", frame(137, "1.0 <3f800001>", c_alive));
+    std::string const left = folder / "left.txt", right = folder / "right.txt";
+    auto const run = [](std::string const & first, std::string const & second, std::string & text) {
+        char const * const arguments[] = {"crosstool", "sync", "diff", first.c_str(), second.c_str()};
+        std::ostringstream out, err;
+        int const code = RunCrosstool(5, arguments, out, err);
+        text = out.str() + err.str();
+        return code;
+    };
+    std::string text;
+    EXPECT_EQ(run(left, right, text), 1);
+    EXPECT_EQ(text, "different: frame 137, Sim/unit/pos\n"
+                    "  " +
+                        left +
+                        ", line 7: pos: [ 1.0 <3f800000> ]\n"
+                        "  " +
+                        right +
+                        ", line 7: pos: [ 1.0 <3f800001> ]\n"
+                        "  number 1: 1 unit in the last place\n"
+                        "around it:\n"
+                        "      frame: [ 137 ]\n"
+                        "      unit: \n"
+                        "      {\n"
+                        "  -     pos: [ 1.0 <3f800000> ]\n"
+                        "  +     pos: [ 1.0 <3f800001> ]\n"
+                        "        alive: [ true <1> ]\n"
+                        "      }\n"
+                        "      unit: \n"
+                        "later: 0 more differing groups\n");
+    EXPECT_EQ(run(left, left, text), 0);
+    EXPECT_EQ(text, "equal: 15 lines\n");
+    EXPECT_EQ(run(left, folder / "none.txt", text), 2);
+    EXPECT_EQ(text, "failed: " + (folder / "none.txt") + ": does not exist\n");
+}

@@ -1,0 +1,11 @@
+#pragma once
+
+// A file that a verb is asked to read.
+
+#include "Cross/engine/filesystem/ByteStream.h"
+
+#include <string>
+#include <vector>
+
+// Opens a file by its plain path. Empty, with the reason in `findings`, when it cannot be opened.
+ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string> & findings);
