@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::size_t c_longestLine = 64 * 1024;
+constexpr std::size_t c_longestLine = 16 * 1024;
 constexpr std::size_t c_deepestGroup = 10'000;
 constexpr std::string_view c_total = "Total CRC: [ ";
 constexpr std::string_view c_frame = "frame: [ ";

@@ -35,7 +35,7 @@ constexpr std::size_t c_syncContext = 3;
 
 // Compares two printed texts. Values are compared one by one; where the groups themselves differ, the
 // comparison goes on behind them. Throws std::runtime_error, whose text begins with the name of the stream,
-// for a text that is no printed block, a line above 64 KiB and groups nested deeper than 10,000.
+// for a text that is no printed block, a line above 16 KiB and groups nested deeper than 10,000.
 SyncReport DiffSync(ByteStream & first, ByteStream & second);
 
 // How far the floating-point numbers of two lines with one name are apart, from their bit patterns, as one

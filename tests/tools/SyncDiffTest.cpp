@@ -101,7 +101,7 @@ TEST(SyncDiff, WhatIsNoBlockIsRefusedWithItsLine) {
                      "ELF\0\n\xFF",
                      7),
          "line 1: this is no printed sync block"},
-        {block + std::string(70'000, 'x'), "line 2: the line is longer than a printed block has"},
+        {block + std::string(20'000, 'x'), "line 2: the line is longer than a printed block has"},
         {deep, "line 20003: groups are nested too deep"},
     };
     for (auto const & [text, reason] : c_cases)
