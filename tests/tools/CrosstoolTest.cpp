@@ -142,23 +142,17 @@ TEST_F(Crosstool, JsonIsValidForAnyBytes) {
               "]}\n");
 }
 
-TEST_F(Crosstool, FindsACutAtEveryLength) {
-    BuildSample();
-    std::string const bytes = folder.ReadFile("sample.tbl");
-    for (std::size_t length = 0; length < bytes.size(); ++length)
-        ExpectDamaged(WithBytes(bytes.substr(0, length)), "offset ",
-                      "cut at " + std::to_string(length) + ": ");
-}
-
-TEST_F(Crosstool, FindsAFlipInEveryByte) {
+TEST_F(Crosstool, FindsACutAndAFlipInEveryByte) {
     BuildSample();
     std::string const good = folder.ReadFile("sample.tbl");
     for (std::size_t i = 0; i < good.size(); ++i) {
+        std::string const place = "byte " + std::to_string(i) + ": ";
+        ExpectDamaged(WithBytes(good.substr(0, i)), "offset ", "cut at " + place);
         // All bits, and one, which moves along with the byte.
         for (int const mask : {0xFF, 1 << (i % 8)}) {
             std::string bytes = good;
             bytes[i] = static_cast<char>(bytes[i] ^ mask);
-            ExpectDamaged(WithBytes(bytes), "offset ", "byte " + std::to_string(i) + ": ");
+            ExpectDamaged(WithBytes(bytes), "offset ", place);
         }
     }
 }
@@ -166,39 +160,36 @@ TEST_F(Crosstool, FindsAFlipInEveryByte) {
 TEST_F(Crosstool, MapsFaultsToTheirPlaceInTheFile) {
     BuildSample();
     std::string const good = folder.ReadFile("sample.tbl");
-    std::size_t const flag =
-        good.find(std::string("\1ab\0", 4)); // the bool `on` stands before the text `tag`
+    std::size_t const flag = good.find(std::string("\1ab\0", 4)); // the bool `on`, before the text `tag`
     ASSERT_NE(flag, std::string::npos);
-    char place[32];
-    std::snprintf(place, sizeof(place), ": offset 0x%zX: ", flag);
+    auto const changed = [&good](std::size_t offset, char value) {
+        std::string bytes = good;
+        bytes[offset] = value;
+        return bytes;
+    };
+    std::string badBool = changed(flag, 2);
+    FixCrc(badBool);
 
-    std::string bytes = good;
-    bytes[flag] = 2;
-    FixCrc(bytes);
-    ExpectDamaged(WithBytes(bytes), place, "a bool of 2: ");
+    struct Case {
+        char const * rule;
+        std::string bytes;
+        std::size_t offset; // that the first finding tells
+        char const * finding;
+    };
 
-    // Both findings are told, the crc first.
-    bytes[flag] = 3;
-    Result const verified = run({"table", "verify", WithBytes(bytes)});
-    EXPECT_NE(firstLine(verified.out).find(": offset 0x24: the crc is 0x"), std::string::npos)
-        << verified.out;
-    EXPECT_NE(verified.out.find(place), std::string::npos) << verified.out;
-
-    std::snprintf(place, sizeof(place), ": offset 0x%zX: 3 bytes follow", good.size());
-    ExpectDamaged(WithBytes(good + "tail"), "4 bytes follow behind the table", "trailing: ");
-    ExpectDamaged(WithBytes(good + "end"), place, "trailing: ");
-}
-
-TEST_F(Crosstool, TellsOtherChunksAndVersions) {
-    BuildSample();
-    std::string const good = folder.ReadFile("sample.tbl");
-    std::string bytes = good;
-    bytes[c_chunkHeader + 8] = 0; // the version
-    ExpectDamaged(WithBytes(bytes), "offset 0x10: the table has version 0, not 1", "");
-    bytes = good;
-    bytes[c_chunkHeader + 4] = 'X'; // the id
-    ExpectDamaged(WithBytes(bytes), "offset 0x10: a chunk of another kind", "");
-    ExpectDamaged(WithBytes(good.substr(0, c_chunkHeader)), "offset 0x10: the file ends where the table", "");
+    Case const cases[] = {
+        {"a bool of 2", badBool, flag, ""},
+        {"of two findings, the crc comes first", changed(flag, 3), c_crc, "the crc is 0x"},
+        {"one behind the table", good + "end", good.size(), "3 bytes follow behind the table"},
+        {"no version", changed(c_chunkHeader + 8, 0), c_chunkHeader, "the table has version 0, not 1"},
+        {"another id", changed(c_chunkHeader + 4, 'X'), c_chunkHeader, "a chunk of another kind"},
+        {"no chunk", good.substr(0, c_chunkHeader), c_chunkHeader, "the file ends where the table"},
+    };
+    for (Case const & row : cases) {
+        char place[32];
+        std::snprintf(place, sizeof(place), ": offset 0x%zX: ", row.offset);
+        ExpectDamaged(WithBytes(row.bytes), place + std::string(row.finding), row.rule);
+    }
 }
 
 TEST_F(Crosstool, FailsWithAReason) {
@@ -218,8 +209,6 @@ TEST_F(Crosstool, FailsWithAReason) {
 
     Case const cases[] = {
         {{"table", "verify", missing}, "failed: " + missing + ": does not exist"},
-        {{"table", "dump", missing}, "failed: " + missing + ": does not exist"},
-        {{"table", "crc", missing}, "failed: " + missing + ": does not exist"},
         {{"table", "diff", table, missing}, "failed: " + missing + ": does not exist"},
         {{"table", "dump", table, "--names", missing}, "failed: " + missing + ": does not exist"},
         {{"table", "verify", here}, "failed: " + here + ": is a directory"},
@@ -295,19 +284,14 @@ TEST_F(Crosstool, HelpAndWrongCommandLines) {
         EXPECT_EQ(help.code, 0) << verb;
         EXPECT_NE(help.out.find(std::string("Example: crosstool table ") + verb), std::string::npos)
             << help.out;
-        Result const bare = run({"table", verb});
-        EXPECT_EQ(bare.code, 2) << verb;
-        EXPECT_NE(bare.err, "") << verb;
     }
-    EXPECT_EQ(run({"--help"}).code, 0);
-    for (std::vector<std::string> const & wrong : {std::vector<std::string>{},
-                                                   {"table"},
-                                                   {"image"},
-                                                   {"table", "verfy", "x"},
-                                                   {"table", "crc", "x", "y"}}) {
-        Result const refused = run(wrong);
-        EXPECT_EQ(refused.code, 2);
+    std::vector<std::string> const wrong[] = {
+        {}, {"table"}, {"image"}, {"table", "verfy", "x"}, {"table", "crc"}, {"table", "crc", "x", "y"}};
+    for (std::vector<std::string> const & arguments : wrong) {
+        Result const refused = run(arguments);
+        EXPECT_EQ(refused.code, 2) << testing::PrintToString(arguments);
         EXPECT_EQ(refused.out, "");
+        EXPECT_NE(refused.err, "");
     }
 }
 
@@ -334,26 +318,29 @@ Result runProgram(std::string const & arguments) {
     return result;
 }
 
-TEST_F(Crosstool, ProgramBuildsVerifiesAndFails) {
+TEST_F(Crosstool, TheProgramGivesTextAndExitCode) {
     folder.WriteFile("in.lua", "health = 120 types = { integer = { 'health' } }");
     std::string const table = folder / "out.tbl";
-    Result const built = runProgram("table build '" + (folder / "in.lua") + "' '" + table + "'");
-    EXPECT_EQ(built.code, 0);
-    EXPECT_EQ(built.out.find("good: " + table + ": 1 field, 20 bytes, crc 0x"), 0u) << built.out;
-    Result const verified = runProgram("table verify '" + table + "'");
-    EXPECT_EQ(verified.code, 0);
-    EXPECT_EQ(verified.out, built.out);
+    std::string const source = folder / "in.lua";
 
-    std::string bytes = folder.ReadFile("out.tbl");
-    folder.WriteFile("out.tbl", bytes.substr(0, bytes.size() - 1));
-    Result const damaged = runProgram("table verify '" + table + "'");
-    EXPECT_EQ(damaged.code, 1);
-    EXPECT_EQ(damaged.out.find("damaged: " + table), 0u) << damaged.out;
-    Result const missing = runProgram("table verify /nowhere/at/all");
-    EXPECT_EQ(missing.code, 2);
-    EXPECT_EQ(missing.out.find("failed: /nowhere/at/all: does not exist"), 0u) << missing.out;
-    EXPECT_EQ(runProgram("--help").code, 0);
-    EXPECT_EQ(runProgram("").code, 2);
+    struct Case {
+        std::string arguments;
+        int code;
+        std::string out; // how it begins
+    };
+
+    Case const cases[] = {
+        {"table build '" + source + "' '" + table + "'", 0, "good: " + table + ": 1 field, 20 bytes, crc 0x"},
+        {"table verify '" + table + "'", 0, "good: " + table},
+        {"table verify '" + source + "'", 1, "damaged: " + source},
+        {"table verify /nowhere/at/all", 2, "failed: /nowhere/at/all: does not exist"},
+        {"", 2, ""},
+    };
+    for (Case const & row : cases) {
+        Result const result = runProgram(row.arguments);
+        EXPECT_EQ(result.code, row.code) << row.arguments;
+        EXPECT_EQ(result.out.find(row.out), 0u) << result.out;
+    }
 }
 
 } // namespace

@@ -2,22 +2,22 @@
 
 #include "Cross/Util/InvUtil.h"
 #include "Cross/Util/NameHash.h"
-#include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/filesystem/LoadScheduler.h"
 #include "Cross/engine/memory/MemPool.h"
 #include "Cross/engine/platform/Options.h"
 #include "samples/inventory/Inventory.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/AliasedFolder.h"
+#include "tests/support/OnFourThreads.h"
 #include "tests/support/WarningCapture.h"
 
 #include <gtest/gtest.h>
 
 #include <cstring>
 #include <functional>
+#include <memory>
 #include <set>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 namespace {
@@ -139,6 +139,12 @@ Inv::Resource * add(char const * name, TestKind const & kind, bool hidden = fals
     return resource;
 }
 
+// Runs the program with one option, or with none.
+void setOption(char const * option) {
+    char const * const arguments[] = {"game", option};
+    Plat::Options::SetCommandLine(option ? 2 : 1, arguments);
+}
+
 std::string nameOf(Handle<Asset> const & handle) { return Front::GetName(handle.GetResource()); }
 
 } // namespace
@@ -167,7 +173,6 @@ TEST(InvUtilTest, NamesBecomeCanonical) {
 
 TEST_F(InvTest, DataHasAHandleFromTheFirstMoment) {
     Inv::Resource * const born = Front::GetResource(*new Asset("alone"));
-    EXPECT_EQ(Front::GetReferences(born), 1);
     EXPECT_EQ(Inv::Resource::Retain(born), born);
     EXPECT_EQ(Front::GetReferences(born), 2);
     Inv::Resource::Release(born); // only its own data holds it: both go
@@ -179,9 +184,8 @@ TEST_F(InvTest, DataHasAHandleFromTheFirstMoment) {
     auto * const resource = new Inv::Resource;
     Asset * const first = new Asset("first");
     resource->SetData(first);
-    EXPECT_EQ(liveBlocks("InvResources"), 1u);
     resource->SetData(first);
-    EXPECT_EQ(Front::GetReferences(resource), 2);
+    EXPECT_EQ(liveBlocks("InvResources"), 1u);
     resource->SetData(new Asset("second"));
     EXPECT_EQ(Front::GetResource(*first), nullptr);
     EXPECT_EQ(first->GetName(), nullptr);
@@ -191,32 +195,26 @@ TEST_F(InvTest, DataHasAHandleFromTheFirstMoment) {
     EXPECT_EQ(resource->GetData(), nullptr);
     EXPECT_EQ(Front::GetReferences(resource), 2);
     Inv::Resource::Release(resource);
-    EXPECT_EQ(liveBlocks("InvResources"), 1u);
     Inv::Resource::Release(resource);
 
     // a handle held by nothing but its data changes its data without ending half-way, and ends without
     Inv::Resource * const blank = Front::GetResource(*new Asset("third"));
-    Inv::NamedResource * const third = blank->GetData();
+    std::unique_ptr<Inv::NamedResource> const third(blank->GetData());
     blank->SetData(new Asset("fourth"));
-    delete third;
     EXPECT_EQ(Front::GetReferences(blank), 1);
     delete blank->GetData();
-    EXPECT_EQ(liveBlocks("InvResources"), 0u);
 }
 
 TEST_F(InvTest, TheLastOfManyThreadsDestroys) {
-    Handle<Asset> shared = kind.Get("shared");
+    Handle<Asset> handles[4];
+    for (Handle<Asset> & each : handles)
+        each = kind.Get("shared");
     Front::Remove(&kind);
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 4; ++i)
-        threads.emplace_back([mine = shared] {
-            for (int copies = 0; copies < 1000; ++copies)
-                Handle<Asset> const copy(mine);
-        });
-    shared = {};
-    for (std::thread & thread : threads)
-        thread.join();
-    threads.clear();
+    OnFourThreads([&handles](int thread) {
+        Handle<Asset> const mine = std::exchange(handles[thread], {});
+        for (int copies = 0; copies < 1000; ++copies)
+            Handle<Asset> const copy(mine);
+    });
     EXPECT_EQ(TakeLog().back(), "destroy shared");
 }
 
@@ -270,12 +268,12 @@ TEST_F(InvTest, NamesAreCutTo255BehindTheAlias) {
 
 TEST_F(InvTest, ManyNamesStayFoundWhileOthersGo) {
     constexpr unsigned int c_count = 3000;
-    std::vector<Handle<Asset>> handles;
-    for (unsigned int i = 0; i < c_count; ++i)
-        handles.push_back(kind.Get(std::to_string(i).c_str()));
-    for (unsigned int i = 0; i < c_count; ++i)
-        if (i % 3 != 0)
-            handles[i] = {};
+    std::vector<Handle<Asset>> handles(c_count);
+    for (unsigned int i = 0; i < c_count; ++i) {
+        Handle<Asset> const each = kind.Get(std::to_string(i).c_str());
+        if (i % 3 == 0)
+            handles[i] = each;
+    }
     Front::Flush();
     std::uint32_t last = 0;
     for (unsigned int i = 0; i < Front::GetResourcesCount(&kind); ++i) {
@@ -312,18 +310,26 @@ TEST_F(InvTest, RequiredMeansNowAndTheRealAsset) {
 }
 
 TEST_F(InvTest, BatchingCanBeTurnedOff) {
+    struct Case {
+        char const * rule;
+        bool batching;
+        char const * option;
+        bool defers;
+    };
+
+    Case const cases[] = {
+        {"a second set-up does nothing", false, nullptr, true},
+        {"by the argument", false, nullptr, false},
+        {"by the option", true, "-invbatchingoff", false},
+    };
     kind.canDefer = true;
-    Inv::Setup(false); // a second set-up does nothing
-    EXPECT_TRUE(Front::IsDeferred(kind.Get("deferred").GetResource()));
-    Inv::Shutdown();
-    Inv::Setup(false);
-    EXPECT_FALSE(Front::IsDeferred(kind.Get("at once").GetResource()));
-    Inv::Shutdown();
-    char const * const arguments[] = {"game", "-invbatchingoff"};
-    Plat::Options::SetCommandLine(2, arguments);
-    Inv::Setup(true);
-    EXPECT_FALSE(Front::IsDeferred(kind.Get("by option").GetResource()));
-    Plat::Options::SetCommandLine(1, arguments);
+    for (Case const & row : cases) {
+        setOption(row.option);
+        Inv::Setup(row.batching);
+        EXPECT_EQ(Front::IsDeferred(kind.Get("a").GetResource()), row.defers) << row.rule;
+        Inv::Shutdown();
+    }
+    setOption(nullptr);
 }
 
 TEST_F(InvTest, TwinsWarnAndTheFirstIsFound) {
@@ -386,42 +392,29 @@ TEST_F(InvTest, ThePumpCountsItsStages) {
         EXPECT_EQ(Front::LoadResources(100000), left);
     EXPECT_EQ(TakeLog(), (Log{"prepare c", "prepare d", "load c", "post c", "load d", "post d"}))
         << "what is loaded on demand, under its stored name, is done with";
-
-    Handle<Asset> const e = kind.Get("e");
-    kind.canDefer = false;
-    EXPECT_EQ(Front::LoadResources(1), 0u);
-    EXPECT_TRUE(Front::IsDeferred(e.GetResource()));
 }
 
-TEST_F(InvTest, ABatchIsSortedByKindAndName) {
+TEST_F(InvTest, ABatchIsSortedAndPostLoadsComeLast) {
     TestKind later{log, "test"}; // the same name as a kind whose bin comes first
     for (TestKind * each : {&kind, &other, &later})
         each->canDefer = true;
-    kind.Get("b");
-    later.Get("a");
-    other.Get("z");
-    kind.Get("A");
-    Front::LoadResources(1);
-    EXPECT_EQ(TakeLog(), (Log{"prepare z", "prepare a", "prepare b", "prepare a"}));
-    Front::LoadAllResources();
-    Inv::Shutdown(); // before the local kind goes
-}
-
-TEST_F(InvTest, EveryPostLoadComesAfterAllLoads) {
-    kind.canDefer = other.canDefer = true;
     kind.meanwhile = [&] {
         if (log.back() == "load bad")
             throw std::runtime_error("bad");
-        other.Get("child");
+        later.Get("child");
     };
-    kind.Get("bad");
     kind.Get("parent");
+    later.Get("a");
+    other.Get("z");
+    kind.Get("BAD");
     Front::LoadResources(10);
+    EXPECT_EQ(TakeLog(), (Log{"prepare z", "prepare bad", "prepare parent", "prepare a"}));
     EXPECT_THROW(Front::LoadResources(10), std::runtime_error);
     Front::LoadAllResources();
-    EXPECT_EQ(TakeLog(), (Log{"prepare bad", "prepare parent", "load bad", "load parent", "prepare child",
-                              "load child", "post parent", "post child"}))
+    EXPECT_EQ(TakeLog(), (Log{"load z", "load bad", "load parent", "load a", "prepare child", "load child",
+                              "post z", "post parent", "post a", "post child"}))
         << "a load that throws counts as tried and stops nothing else";
+    Inv::Shutdown(); // before the local kind goes
 }
 
 TEST_F(InvTest, AnAbortedBatchStartsAfresh) {
@@ -535,7 +528,6 @@ TEST_F(InvTest, FlushFreesWhatNobodyHolds) {
     kind.Get("free");
     Front::Flush(&kind);
     Front::Flush(resource, &kind);
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 1u);
     held = {};
     Front::Flush(resource, &other); // not the bin it is in
     EXPECT_EQ(Front::GetResourcesCount(&kind), 1u);
@@ -555,7 +547,7 @@ TEST_F(InvTest, FlushFreesWhatNobodyHolds) {
     EXPECT_EQ(Asset::s_alive, 0);
 }
 
-TEST_F(InvTest, RemovedResourcesLiveOnWithTheirHolders) {
+TEST_F(InvTest, HandlesOutliveRemovalAndShutdown) {
     Handle<Asset> held = kind.Get("held");
     kind.Get("free");
     Front::Remove(held.GetResource(), &other); // not there
@@ -570,19 +562,14 @@ TEST_F(InvTest, RemovedResourcesLiveOnWithTheirHolders) {
     held.GetResource()->SetName("free again");
     EXPECT_EQ(held->names.back(), "free again");
     TakeLog();
-    held = {};
+    held = kind.Get("held");
     EXPECT_EQ(TakeLog(), Log{"destroy held"}) << "through its kind";
-}
 
-TEST_F(InvTest, ShutdownLeavesHandlesWithoutData) {
-    Handle<Asset> held = kind.Get("held");
     Inv::Shutdown();
     EXPECT_EQ(held.Get(), nullptr);
     EXPECT_EQ(nameOf(held), "held");
-    EXPECT_EQ(Asset::s_alive, 0);
     held.GetResource()->SetName("thawed");
     EXPECT_EQ(nameOf(held), "thawed");
-    Inv::Shutdown();
 }
 
 TEST_F(InvTest, ReloadPutsNewDataBehindTheSameHandle) {
@@ -599,7 +586,6 @@ TEST_F(InvTest, ReloadPutsNewDataBehindTheSameHandle) {
     EXPECT_THROW(Front::Reload(held.GetResource(), &kind), std::runtime_error);
     kind.meanwhile = [] {};
     EXPECT_EQ(held->content, "held");
-    EXPECT_EQ(Front::GetReferences(held.GetResource()), 3);
     TakeLog();
     kind.onReload = &replace;
     Front::Reload(&kind);
@@ -621,9 +607,8 @@ TEST_F(InvTest, ReloadPutsNewDataBehindTheSameHandle) {
 
 TEST_F(InvTest, AChangedFileReloadsOneResourcePerKind) {
     Inv::Shutdown();
-    TemporaryFolder folder;
+    AliasedFolder const folder("DATA");
     folder.WriteFile("art/tank.dat", "old");
-    FilePath::SetAlias("DATA", folder.Path().c_str());
     Inv::Setup(true);
     TestKind untranslated{log}, fixed{log};
     untranslated.keepsNames = true;
@@ -640,13 +625,11 @@ TEST_F(InvTest, AChangedFileReloadsOneResourcePerKind) {
     EXPECT_EQ(TakeLog(), (Log{"reload art\\tank", "reload art\\tank", "destroy art/tank"}))
         << "the second gives no new data, and nobody holds it";
     EXPECT_EQ(held->content, "reloaded");
-    FilePath::RemoveAlias("DATA");
     Inv::Shutdown(); // before the local kinds go
 }
 
 TEST_F(InvTest, DumpsTellCountsAndStates) {
-    TemporaryFolder folder;
-    FilePath::SetAlias("log", folder.Path().c_str());
+    AliasedFolder const folder("log");
     kind.hasDefault = true;
     kind.missing = {"gone", "h"};
     Handle<Asset> const gone = kind.Get("gone");
@@ -658,10 +641,9 @@ TEST_F(InvTest, DumpsTellCountsAndStates) {
 
     Front::DumpToLogfile("inventory"); // without the option nothing is written
     EXPECT_EQ(folder.CountEntries(), 0u);
-    char const * const arguments[] = {"game", "-invtrackloading"};
-    Plat::Options::SetCommandLine(2, arguments);
+    setOption("-invtrackloading");
     Front::DumpToLogfile("inventory");
-    Plat::Options::SetCommandLine(1, arguments);
+    setOption(nullptr);
     ASSERT_EQ(folder.CountEntries(), 1u);
     std::string const file = std::filesystem::directory_iterator(folder.Path())->path().filename();
     std::string lines;
@@ -673,5 +655,4 @@ TEST_F(InvTest, DumpsTellCountsAndStates) {
     }
     EXPECT_EQ(folder.ReadFile(file),
               "Test -- 3 items left\n" + lines + "\n\n 3 resources in the inventory\n");
-    FilePath::RemoveAlias("log");
 }

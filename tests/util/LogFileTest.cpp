@@ -1,15 +1,13 @@
 #include "Cross/Util/LogFile.h"
 
 #include "Cross/engine/core/Text.h"
-#include "Cross/engine/diagnostics/CrashFiles.h"
-#include "Cross/engine/filesystem/FilePath.h"
-#include "Cross/engine/platform/Time.h"
+#include "tests/support/AliasedFolder.h"
+#include "tests/support/CrashFiles.h"
+#include "tests/support/HandClock.h"
 #include "tests/support/HeapLimit.h"
-#include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
-#include <map>
 #include <set>
 #include <string>
 
@@ -24,26 +22,12 @@ std::string startStamp() {
     return stamp;
 }
 
-// Real paths of the crash report, by handle.
-std::map<int, std::string> crashFiles() {
-    std::map<int, std::string> files;
-    dbCrashVisitFiles(
-        [](int handle, char const * path, void * context) {
-            static_cast<std::map<int, std::string> *>(context)->emplace(handle, path);
-        },
-        &files);
-    return files;
-}
-
 class LogFileTest : public testing::Test {
 protected:
     using Names = std::set<std::string>;
 
-    LogFileTest() { FilePath::SetAlias("log", folder.Path().c_str()); }
-
     ~LogFileTest() override {
-        FilePath::RemoveAlias("log");
-        for (auto const & [handle, path] : crashFiles())
+        for (auto const & [handle, path] : VisitedCrashFiles())
             dbCrashRemoveCrashFile(handle);
     }
 
@@ -58,7 +42,7 @@ protected:
     // Names of the files in the crash report, all of which are in the log folder.
     Names Reported() const {
         Names names;
-        for (auto const & [handle, path] : crashFiles()) {
+        for (auto const & [handle, path] : VisitedCrashFiles()) {
             std::string const name = std::filesystem::path(path).filename().string();
             EXPECT_EQ(path, folder / name);
             names.insert(name);
@@ -66,7 +50,7 @@ protected:
         return names;
     }
 
-    TemporaryFolder folder;
+    AliasedFolder folder{"log"};
     std::string const stamp = startStamp();
 };
 
@@ -92,15 +76,12 @@ TEST_F(LogFileTest, NamesCarryTheStartOfTheProgram) {
         {tooLong.c_str(), ".txt", "log:" + std::string(200, 'x') + ".txt"},
         {"frame", tooLong.c_str(), ""},
     };
-    Plat::Time::ClockSource later; // the time at which a log is made does not matter
-    later.now = [](void *, Plat::Time::SystemTime & time) { time = {2999, 12, 31, 2, 23, 59, 59}; };
-    Plat::Time::ClockSource const real = Plat::Time::SetClockSource(later);
+    HandClock const later; // the time at which a log is made does not matter
     for (Case const & c : cases) {
         char filename[c_maxPath] = "left over";
         LogFile::MakeFilename(filename, c.name, c.extension);
         EXPECT_EQ(filename, c.want);
     }
-    Plat::Time::SetClockSource(real);
 
     char inPlace[c_maxPath] = "Frame";
     LogFile::MakeFilename(inPlace);
@@ -124,32 +105,26 @@ TEST_F(LogFileTest, CreateGivesTenFilesOfOneStampAndTouchesNoEarlierOne) {
     EXPECT_FALSE(log.Create("x", ".txt", true, false));
     EXPECT_FALSE(log.IsOpened());
     EXPECT_EQ(Files(), files);
-    EXPECT_EQ(folder.ReadFile("x." + stamp + ".txt"), "file\n");
     EXPECT_EQ(folder.ReadFile("x." + stamp + ".9.txt"), "file.9\n");
     EXPECT_EQ(folder.ReadFile("X." + stamp + ".5.TXT"), "older");
-
-    EXPECT_TRUE(log.Create("x", "", true, false));
-    EXPECT_TRUE(log.Create("y", ".txt", true, false));
+    EXPECT_TRUE(log.Create("x", "", true, false)) << "another name";
 }
 
 TEST_F(LogFileTest, EmptyNamesLeaveAnOpenLogAlone) {
     LogFile log;
     ASSERT_TRUE(log.CreateWithName("kept", false, false));
-    EXPECT_FALSE(log.Create(nullptr, ".txt", true, false));
-    EXPECT_FALSE(log.Create("", ".txt", true, false));
+    for (char const * const none : {"", static_cast<char const *>(nullptr)}) {
+        EXPECT_FALSE(log.Create(none, ".txt", true, false));
+        EXPECT_FALSE(log.CreateWithName(none, true, false));
+    }
     EXPECT_FALSE(log.Create("x", nullptr, true, false));
-    EXPECT_FALSE(log.CreateWithName(nullptr, true, false));
-    EXPECT_FALSE(log.CreateWithName("", true, false));
     log.puts("a");
-    log.puts("b");
-    EXPECT_EQ(folder.ReadFile("kept.txt"), "ab");
-    EXPECT_EQ(Files(), Names{"kept.txt"});
+    EXPECT_EQ(folder.ReadFile("kept.txt"), "a");
     EXPECT_EQ(Reported(), Names{"kept.txt"});
 }
 
 TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
-    TemporaryFolder other;
-    FilePath::SetAlias("elsewhere", other.Path().c_str());
+    AliasedFolder const other("elsewhere");
 
     struct Case {
         std::string name;
@@ -174,7 +149,7 @@ TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
         ASSERT_TRUE(log.CreateWithName(c.name.c_str(), true, false)) << c.name;
         log.puts("here");
         EXPECT_EQ(c.where.ReadFile(c.file), "here\n") << c.name;
-        EXPECT_EQ(crashFiles().size(), c.reported ? 1u : 0u) << c.name;
+        EXPECT_EQ(VisitedCrashFiles().size(), c.reported ? 1u : 0u) << c.name;
     }
 
     std::string const refused[] = {
@@ -185,7 +160,6 @@ TEST_F(LogFileTest, CreateWithNameFillsInWhatIsMissing) {
         EXPECT_FALSE(log.CreateWithName(name.c_str(), true, false)) << name;
         EXPECT_FALSE(log.IsOpened());
     }
-    FilePath::RemoveAlias("elsewhere");
 
     // no name helps without a folder to write to
     FilePath::SetAlias("log", (folder / "abc.txt").c_str());

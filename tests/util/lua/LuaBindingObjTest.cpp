@@ -1,17 +1,18 @@
 #include "Cross/Util/lua/LuaBindingObj.h"
 
 #include "Cross/Util/Inv.h"
-#include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/LuaLibMan.h"
 #include "Cross/engine/scriptconfig/LuaLibrary.h"
 #include "Cross/engine/scriptconfig/LuaPrint.h"
 #include "samples/inventory/Inventory.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/AliasedFolder.h"
+#include "tests/support/LuaScarcity.h"
 
 #include <gtest/gtest.h>
 
 #include <optional>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -30,13 +31,12 @@ void takeNothing() { s_events.push_back("nothing"); }
 
 bool isPositive(float number) { return number > 0.0f; }
 
-void takeInt(int value) { s_events.push_back(std::to_string(value)); }
-
-void takeUnsigned(unsigned int value) { s_events.push_back(std::to_string(value)); }
-
-void takeBool(bool value) { s_events.push_back(value ? "true" : "false"); }
-
-void takeText(char const * value) { s_events.push_back(value); }
+template <class Value>
+void take(Value value) {
+    std::ostringstream text;
+    text << std::boolalpha << value;
+    s_events.push_back(text.str());
+}
 
 bool takeEight(char const * a, float b, float c, float d, char const * e, int f, int g, int h) {
     s_events.push_back(std::string(a) + e + std::to_string(static_cast<int>(b + c + d) + f + g + h));
@@ -96,9 +96,9 @@ public:
                                                   int, TakeEight, bool>;
         for (Obj const & object :
              {Bind(config, "takeAll", &takeAll), Bind(config, "takeNothing", &takeNothing),
-              Bind(config, "isPositive", &isPositive), Bind(config, "takeInt", &takeInt),
-              Bind(config, "takeUnsigned", &takeUnsigned), Bind(config, "takeBool", &takeBool),
-              Bind(config, "takeText", &takeText), Bind(config, "leaveSomething", &leaveSomething),
+              Bind(config, "isPositive", &isPositive), Bind(config, "takeInt", &take<int>),
+              Bind(config, "takeUnsigned", &take<unsigned int>), Bind(config, "takeBool", &take<bool>),
+              Bind(config, "takeText", &take<char const *>), Bind(config, "leaveSomething", &leaveSomething),
               Bind(config, "dropSomething", &dropSomething), Bind(config, "throwBinding", &throwBinding),
               Bind(config, "throwOther", &throwOther), Bind(config, "raiseLua", &raiseLua),
               Bind(config, "nest", &nest), Obj(new EightObj(&config, "takeEight", &takeEight)),
@@ -161,31 +161,6 @@ struct BindingTest : testing::Test {
     std::optional<LuaConfig> config{std::in_place, "test", true};
 };
 
-// Lets Lua allocate a number of times and then no more, while it lives.
-class Scarcity {
-public:
-    Scarcity(lua_State * state, int allowed) : state(state), left(allowed) {
-        normal = lua_getallocf(state, &context);
-        lua_setallocf(state, &allocate, this);
-    }
-
-    Scarcity(Scarcity const &) = delete;
-    Scarcity & operator=(Scarcity const &) = delete;
-
-    ~Scarcity() { lua_setallocf(state, normal, context); }
-
-private:
-    static void * allocate(void * scarcity, void * block, std::size_t oldSize, std::size_t size) {
-        auto & self = *static_cast<Scarcity *>(scarcity);
-        return size > oldSize && self.left-- <= 0 ? nullptr : self.normal(self.context, block, oldSize, size);
-    }
-
-    lua_State * state;
-    int left;
-    lua_Alloc normal;
-    void * context;
-};
-
 } // namespace
 
 TEST_F(BindingTest, ArgumentsAreCheckedAndConverted) {
@@ -211,34 +186,27 @@ TEST_F(BindingTest, ArgumentsAreCheckedAndConverted) {
         {"takeAll(7, '0.5', 0, '-3', '4')", "7 0.500000 0 -3 4", ""},
         {"takeBool('1')", nullptr, wrong(1, "expected=bool, received=string", "takeBool")},
         {"takeBool(1)", "true", ""},
-        {"takeBool(0/0)", "true", ""},
         {"takeBool(nil)", nullptr, wrong(1, "expected=bool, received=nil", "takeBool")},
         // the count comes before the types
         {"takeAll()", nullptr, count("expected=5, received=0", "takeAll")},
         {"takeAll({}, 1.5, true, -3, 4, 5)", nullptr, count("expected=5, received=6", "takeAll")},
-        {"takeNothing(nil)", nullptr, count("expected=0, received=1", "takeNothing")},
         // the first wrong argument is told, and nothing is called
         {"takeAll('a', {}, true, 1.5, 4)", nullptr, wrong(2, "expected=float, received=table", "takeAll")},
-        {"takeAll('a', 'x', true, 1, 4)", nullptr, wrong(2, "expected=float, received=string", "takeAll")},
         {"takeEight('x', 1, 2, 3, 'y', 1.5, 5, 6)", nullptr,
          wrong(6, "expected=int, received=number", "takeEight")},
         {"takeText(true)", nullptr, wrong(1, "expected=const char*, received=boolean", "takeText")},
         {"takeText('a\\0b')", "a", ""},
         // whole numbers: fractions, ranges, NaN
         {"takeInt(3.5)", nullptr, notInt},
-        {"takeInt(1e-17)", "0", ""},
         {"takeInt(1 + 2 ^ -52)", nullptr, notInt},
         {"takeInt(2147483647)", "2147483647", ""},
         {"takeInt(2147483648)", nullptr, notInt},
         {"takeInt(-2147483648)", "-2147483648", ""},
         {"takeInt(-2147483649)", nullptr, notInt},
         {"takeInt(0/0)", nullptr, notInt},
-        {"takeInt(1/0)", nullptr, notInt},
-        {"takeInt('')", nullptr, wrong(1, "expected=int, received=string", "takeInt")},
         {"takeUnsigned(4294967295)", "4294967295", ""},
         {"takeUnsigned(4294967296)", nullptr, notUnsigned},
         {"takeUnsigned(-1)", nullptr, notUnsigned},
-        {"takeUnsigned('0')", "0", ""},
         // results
         {"assert(isPositive(1) == true and isPositive(-1) == false and select('#', isPositive(1)) == 1)",
          nullptr, ""},
@@ -258,18 +226,15 @@ TEST_F(BindingTest, ArgumentsAreCheckedAndConverted) {
     }
 }
 
-TEST_F(BindingTest, CallsNestAndKnowTheirState) {
+TEST_F(BindingTest, CallsNestAndBindingsMayEndDuringTheirs) {
     EXPECT_EQ(run(*config, "nest()  coroutine.wrap(function() nest() end)()"), "");
     EXPECT_EQ(s_events, (Texts{"nothing", "same context", "nothing", "same context"}));
-}
-
-TEST_F(BindingTest, ABindingMayEndDuringItsCall) {
     EXPECT_EQ(run(*config, "assert(endAll() == 'endAll')"), "");
     EXPECT_EQ(run(*config, "endAll()"), "function endAll is no longer bound");
 }
 
 TEST_F(BindingTest, ObjectStateAndLibraryMayEndInAnyOrder) {
-    LuaBinding::Obj const kept = LuaBinding::Bind(*config, "kept", &takeNothing);
+    LuaBinding::Obj const kept = LuaBinding::Bind(*config, "kept", &takeAll);
     EXPECT_EQ(run(*config, "first = newproxy(true)  getmetatable(first).__gc = function() takeNothing() end"),
               "");
     library.reset();
@@ -280,6 +245,7 @@ TEST_F(BindingTest, ObjectStateAndLibraryMayEndInAnyOrder) {
     config.reset();
     EXPECT_EQ(s_events, Texts{});
     EXPECT_STREQ(kept->FunctionName(), "kept");
+    EXPECT_STREQ(kept->Signature(), "const char*, float, bool, int, unsigned int -> none");
 }
 
 // Lua would end the process over an error that leaves the constructor.
@@ -287,10 +253,10 @@ TEST_F(BindingTest, BindingIsSafeFromTheState) {
     lua_State * const state = config->GetState();
     EXPECT_EQ(run(*config, "setmetatable(_G, { __newindex = function() error('locked') end })"), "");
     bool isBound = false;
-    for (int allowed = 0; !isBound; ++allowed) {
-        ASSERT_LT(allowed, 100);
+    for (unsigned int allowed = 0; !isBound; ++allowed) {
+        ASSERT_LT(allowed, 100u);
         try {
-            Scarcity const scarcity(state, allowed);
+            LuaScarcity const scarcity(state, allowed);
             LuaBinding::Bind(*config, "fresh", &takeNothing);
             isBound = true;
         } catch (std::runtime_error const & error) {
@@ -323,22 +289,6 @@ TEST(LuaLibraryTest, StatesAndLibrariesMayComeInAnyOrder) {
                                "early releases third", "late releases first", "early releases first"}));
 }
 
-TEST(LuaLibraryTest, LibrariesStandInTheOrderOfLoading) {
-    Texts names;
-    LuaLibMan::VisitLibraries([&](char const * name, LuaLibrary &) { names.push_back(name); });
-    EXPECT_EQ(names, Texts{"inventory"});
-}
-
-TEST_F(BindingTest, BoundFunctionsTellTheirTypes) {
-    Texts lines;
-    library->VisitLuaBindingObjs(*config, [&](LuaBinding::ObjInternalBase const & object) {
-        lines.push_back(std::string(object.FunctionName()) + ": " + object.Signature());
-    });
-    lines.resize(3);
-    EXPECT_EQ(lines, (Texts{"takeAll: const char*, float, bool, int, unsigned int -> none",
-                            "takeNothing: none -> none", "isPositive: float -> bool"}));
-}
-
 namespace {
 
 struct DumpKind : inventory::Kind<Inv::NamedResource> {
@@ -350,6 +300,14 @@ struct DumpKind : inventory::Kind<Inv::NamedResource> {
 
     Inv::NamedResource * Reload(Inv::NamedResource *) const override { return nullptr; }
 };
+
+// What "inv_dump" writes, under its name without the stamp; there must be no other file.
+std::string dumped(AliasedFolder const & folder) {
+    EXPECT_EQ(folder.CountEntries(), 1u);
+    std::string const file = std::filesystem::directory_iterator(folder.Path())->path().filename();
+    EXPECT_EQ(file.substr(0, 8) + file.substr(file.size() - 4), "invdump..csv");
+    return folder.ReadFile(file);
+}
 
 } // namespace
 
@@ -366,17 +324,16 @@ TEST(InventoryLibraryTest, ScriptsDumpTheInventory) {
     luaxSetPrintSink(nullptr, nullptr);
     EXPECT_EQ(printed, Texts{"There is no inventory"});
 
-    TemporaryFolder folder;
-    FilePath::SetAlias("log", folder.Path().c_str());
-    DumpKind kind;
     Inv::Setup(true);
+    {
+        AliasedFolder const folder("log");
+        EXPECT_EQ(run(config, "inv_dump()"), "");
+        EXPECT_EQ(dumped(folder), "BinName,Name,RefCount\n") << "an empty inventory";
+    }
+    AliasedFolder const folder("log");
+    DumpKind kind;
     auto const held = kind.Get("a,b");
     EXPECT_EQ(run(config, "inv_dump()"), "");
+    EXPECT_EQ(dumped(folder), "BinName,Name,RefCount\nThings,a,b,3\n");
     Inv::Shutdown();
-    ASSERT_EQ(folder.CountEntries(), 1u);
-    std::string const file = std::filesystem::directory_iterator(folder.Path())->path().filename();
-    EXPECT_EQ(file.substr(0, 8), "invdump.");
-    EXPECT_EQ(file.substr(file.size() - 4), ".csv");
-    EXPECT_EQ(folder.ReadFile(file), "BinName,Name,RefCount\nThings,a,b,3\n");
-    FilePath::RemoveAlias("log");
 }
