@@ -212,38 +212,30 @@ std::string pathOfLength(std::string path, std::size_t length) {
 }
 
 TEST_F(FilePathTest, RawPathsOpenAsTheyStand) {
-    std::string const plain = (folder / "base/plain.txt").string();
-    EXPECT_EQ(contentOf(plain), "plain");
+    auto const opensWide = [](char16_t const * path) {
+        return std::unique_ptr<ByteStream>(FilePathHDRaw::UnaliasedFileOpen(path, c_streamWrite, false)) !=
+               nullptr;
+    };
+    EXPECT_EQ(contentOf((folder / "base/plain.txt").string()), "plain");
     EXPECT_EQ(contentOf((folder / "base/Plain.txt").string()), "-");
     EXPECT_FALSE(canWrite((folder / "missing/new.txt").string()));
-
-    std::string const longest = pathOfLength(folder.Path().string(), c_maxPath - 1);
-    EXPECT_TRUE(canWrite(longest));
-    EXPECT_EQ(contentOf(longest), "new");
-    std::string const tooLong = pathOfLength(folder.Path().string(), c_maxPath);
-    EXPECT_FALSE(canWrite(tooLong));
-    EXPECT_FALSE(stdfs::exists(tooLong));
-    for (auto const & [path, opens] : {std::pair(longest, true), std::pair(tooLong, false)}) {
-        std::u16string const wide(path.begin(), path.end());
-        std::unique_ptr<ByteStream> const opened(
-            FilePathHDRaw::UnaliasedFileOpen(wide.c_str(), c_streamWrite, false));
-        EXPECT_EQ(opened != nullptr, opens);
+    for (std::size_t const length : {c_maxPath - 1, c_maxPath + 0}) {
+        SCOPED_TRACE(length);
+        std::string const path = pathOfLength(folder.Path().string(), length);
+        bool const opens = length < c_maxPath;
+        EXPECT_EQ(canWrite(path), opens);
+        EXPECT_EQ(stdfs::exists(path), opens);
+        EXPECT_EQ(opensWide(std::u16string(path.begin(), path.end()).c_str()), opens);
     }
 
     // a ':' is an ordinary character to the unaliased form
-    std::string const odd = (folder / "odd").string();
-    stdfs::create_directory(odd);
-    stdfs::current_path(odd);
-    std::unique_ptr<ByteStream> stream(FilePathHDRaw::UnaliasedFileOpen("DATA:x", c_streamWrite, false));
-    EXPECT_TRUE(stream);
-    stream.reset(FilePathHDRaw::UnaliasedFileOpen(u"DATA:x", c_streamRead, false));
-    EXPECT_TRUE(stream);
-    stream.reset(FilePathHDRaw::UnaliasedFileOpen(u"\u00E4\U0001F600", c_streamWrite, false));
-    EXPECT_TRUE(stdfs::exists(odd + "/\xC3\xA4\xF0\x9F\x98\x80"));
-    // half a surrogate pair names nothing
-    EXPECT_FALSE(FilePathHDRaw::UnaliasedFileOpen(u"\xD83D", c_streamWrite, false));
-    EXPECT_FALSE(
-        FilePathHDRaw::UnaliasedFileOpen(static_cast<char16_t const *>(nullptr), c_streamRead, false));
+    stdfs::current_path(folder.Path());
+    EXPECT_TRUE(opensWide(u"DATA:x"));
+    EXPECT_TRUE(stdfs::exists("DATA:x"));
+    EXPECT_TRUE(opensWide(u"\u00E4\U0001F600"));
+    EXPECT_TRUE(stdfs::exists("\xC3\xA4\xF0\x9F\x98\x80"));
+    EXPECT_FALSE(opensWide(u"\xD83D")) << "half a surrogate pair names nothing";
+    EXPECT_FALSE(opensWide(nullptr));
     stdfs::current_path("/");
 }
 

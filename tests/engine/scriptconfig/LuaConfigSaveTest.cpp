@@ -1,13 +1,13 @@
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
 
 #include "Cross/engine/filesystem/FilePath.h"
-#include "Cross/engine/filesystem/RamStream.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "tests/support/CommaLocale.h"
+#include "tests/support/FailingStream.h"
+#include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceCapture.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 #include <lua.hpp>
 #include <string>
@@ -15,42 +15,19 @@
 
 namespace {
 
-// A stream over a text, which takes writes up to a limit.
-class TextStream : public RamStream {
-public:
-    explicit TextStream(std::string_view content = "", unsigned int limit = 0xFFFFFFFF) : limit(limit) {
-        Open(0, c_streamWrite);
-        RamStream::Write(content.data(), static_cast<unsigned int>(content.size()));
-        SetPos(0);
-    }
+constexpr unsigned int c_endless = 0xFFFFFFFF;
 
-    unsigned int Write(void const * buffer, unsigned int size) override {
-        return RamStream::Write(buffer, std::min(size, limit - GetPos()));
-    }
-
-    unsigned int GetLen() override { return RamStream::GetLen() + missing; }
-
-    bool Flush() override { return !failsToFlush; }
-
-    using ByteStream::IsDiscarded;
-
-    std::string Text() { return {static_cast<char const *>(GetBuffer()), RamStream::GetLen()}; }
-
-    unsigned int const limit;
-    unsigned int missing = 0; // bytes that it promises and does not give
-    bool failsToFlush = false;
-};
-
-bool load(LuaConfig & config, std::string const & source) {
-    TextStream stream(source);
+bool load(LuaConfig & config, std::string_view source) {
+    FilledStream stream(source);
     return LuaConfigSave::LoadLua(config, stream);
 }
 
 std::string save(LuaConfig & config, bool tables = true, bool plain = true) {
-    TextStream stream;
+    FilledStream memory;
+    FailingStream stream(memory, c_endless);
     EXPECT_TRUE(LuaConfigSave::SaveLua(config, tables, plain, stream));
     EXPECT_FALSE(stream.IsDiscarded());
-    return stream.Text();
+    return memory.Content();
 }
 
 std::string saveSource(std::string const & source) {
@@ -214,7 +191,8 @@ TEST(LuaConfigSaveTest, WhatCannotBeWrittenIsDiscarded) {
         LuaConfig config("", false);
         ASSERT_TRUE(load(config, row.source));
         TraceCapture trace;
-        TextStream stream;
+        FilledStream memory;
+        FailingStream stream(memory, c_endless);
         EXPECT_FALSE(LuaConfigSave::SaveLua(config, true, true, stream));
         EXPECT_TRUE(stream.IsDiscarded());
         EXPECT_EQ(trace.lines, std::vector<std::string>{
@@ -224,6 +202,13 @@ TEST(LuaConfigSaveTest, WhatCannotBeWrittenIsDiscarded) {
     }
 }
 
+class FlushlessStream : public FailingStream {
+public:
+    using FailingStream::FailingStream;
+
+    bool Flush() override { return false; }
+};
+
 TEST(LuaConfigSaveTest, FailingStreamIsDiscarded) {
     LuaConfig config("", false);
     load(config, "for i = 1, 20000 do _G['name' .. i] = i end");
@@ -231,8 +216,8 @@ TEST(LuaConfigSaveTest, FailingStreamIsDiscarded) {
     for (unsigned int limit : {0u, 100000u, size - 1, size}) {
         SCOPED_TRACE(limit);
         TraceCapture trace;
-        TextStream stream("", limit);
-        stream.failsToFlush = limit == size;
+        FilledStream memory;
+        FlushlessStream stream(memory, limit);
         EXPECT_FALSE(LuaConfigSave::SaveLua(config, true, true, stream));
         EXPECT_TRUE(stream.IsDiscarded());
         EXPECT_EQ(trace.lines.size(), 1u);
@@ -260,7 +245,7 @@ TEST(LuaConfigSaveTest, LoadsTextOnly) {
         TraceCapture trace;
         LuaConfig config("", false);
         config.PushTable("cursor");
-        EXPECT_EQ(load(config, std::string(source)), loads);
+        EXPECT_EQ(load(config, source), loads);
         EXPECT_EQ(trace.lines.size(), loads ? 0u : 1u);
         EXPECT_EQ(lua_gettop(config.GetState()), 2);
     }
@@ -282,14 +267,14 @@ TEST(LuaConfigSaveTest, EveryCutOfAFileLoadsOrFailsCleanly) {
 TEST(LuaConfigSaveTest, RestOfAStreamIsRunWhollyOrNotAtAll) {
     TraceCapture trace;
     LuaConfig config("", false);
-    TextStream stream("rubbish x = 5");
-    stream.SetPos(8);
+    FilledStream stream("rubbish x = 5");
+    stream->SetPos(8);
     EXPECT_TRUE(LuaConfigSave::LoadLua(config, stream));
     EXPECT_TRUE(LuaConfigSave::LoadLua(config, stream)) << "nothing is left";
     EXPECT_EQ(config.GetType("x"), LuaConfig::LT_NUMBER);
 
-    TextStream damaged("y = 5\n");
-    damaged.missing = 10;
+    FilledStream memory("y = 5\n          ");
+    FailingStream damaged(memory, 6);
     EXPECT_FALSE(LuaConfigSave::LoadLua(config, damaged));
     EXPECT_EQ(config.GetType("y"), LuaConfig::LT_NONE);
     EXPECT_EQ(trace.lines,
