@@ -1,17 +1,13 @@
 #include "tools/tablesource/TableSource.h"
 
-#include "Cross/Util/AttributesBinary.h"
-#include "Cross/Util/AttributesLua.h"
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/Util/NameHash.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
-#include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
-#include <sstream>
 
 namespace {
 
@@ -95,45 +91,6 @@ TEST(TableSource, OrderedTablesKeepTheirOrder) {
     built.table.TablePop();
     built.table.TablePush("crew");
     EXPECT_EQ(keysOf(built.table), hashesOf({"gunner", "3", "driver"}));
-}
-
-// Reads one source through both readers.
-TEST(TableSource, TheScriptGivesTheSameValues) {
-    std::string const source =
-        "n = 3 h = 0.1 big = 16777217 yes = true t = 'bytes \xFF' w = 'w\xC3\xA4'\n"
-        "in_ = { { x = 2.483, k = 5 } }\n"
-        "types = { integer = { 'n', 'in_.*.k' }, wide = { 'w' }, ordered = { 'in_' } }";
-    Built built(source);
-    ASSERT_TRUE(built.isGood) << built.Errors();
-    LuaConfig script("", false);
-    ASSERT_TRUE(script.RunString(source.c_str(), false));
-
-    AttributesBinary fromTable(built.table, "table");
-    AttributesLua fromScript(&script, "script");
-    AttributesInterface * const readers[] = {&fromTable, &fromScript};
-    std::vector<std::string> seen;
-    for (AttributesInterface * const reader : readers) {
-        int n = 0, k = 0;
-        float h = 0, big = 0, x = 0;
-        bool yes = false;
-        char t[16];
-        char16_t w[16];
-        EXPECT_TRUE(reader->GetNumber("n", n) && reader->GetNumber("h", h) && reader->GetNumber("big", big));
-        EXPECT_TRUE(reader->GetBool("yes", yes) && reader->GetString("t", t, 16) &&
-                    reader->GetWString("w", w, 16));
-        reader->TablePush("in_");
-        reader->TablePush("1");
-        EXPECT_TRUE(reader->GetNumber("x", x) && reader->GetNumber("k", k));
-        reader->TablePop();
-        reader->TablePop();
-        std::ostringstream values;
-        values << n << ' ' << k << std::hexfloat << ' ' << h << ' ' << big << ' ' << x << ' ' << yes << ' '
-               << t;
-        for (char16_t const * unit = w; *unit; ++unit)
-            values << ' ' << static_cast<unsigned int>(*unit);
-        seen.push_back(values.str());
-    }
-    EXPECT_EQ(seen[0], seen[1]);
 }
 
 TEST(TableSource, RefusesWhatATableCannotHold) {
