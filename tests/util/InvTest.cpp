@@ -307,25 +307,17 @@ TEST_F(InvTest, RequiredMeansNowAndTheRealAsset) {
 }
 
 TEST_F(InvTest, BatchingCanBeTurnedOff) {
-    struct Case {
-        char const * rule;
-        bool batching;
-        char const * option;
-        bool defers;
-    };
-
-    Case const cases[] = {
-        {"a second set-up does nothing", false, nullptr, true},
-        {"by the argument", false, nullptr, false},
-        {"by the option", true, "-invbatchingoff", false},
-    };
     kind.canDefer = true;
-    for (Case const & row : cases) {
-        setOption(row.option);
-        Inv::Setup(row.batching);
-        EXPECT_EQ(Front::IsDeferred(kind.Get("a").GetResource()), row.defers) << row.rule;
+    auto const defers = [this](bool batching) {
+        Inv::Setup(batching);
+        bool const isDeferred = Front::IsDeferred(kind.Get("a").GetResource());
         Inv::Shutdown();
-    }
+        return isDeferred;
+    };
+    EXPECT_TRUE(defers(false)) << "a second set-up does nothing";
+    EXPECT_FALSE(defers(false));
+    setOption("-invbatchingoff");
+    EXPECT_FALSE(defers(true));
     setOption(nullptr);
 }
 

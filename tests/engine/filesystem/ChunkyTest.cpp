@@ -119,57 +119,6 @@ TEST(ChunkyFormat, ForeignOrDamagedFilesAreNamedAsWhatTheyAre) {
     }
 }
 
-// A folder and a chunk in it, for each of the numbers; then what the numbers say is read or skipped.
-TEST(ChunkyReader, ATreeReadsBackAndPopSkipsWhatWasNotRead) {
-    FilledStream stream("in front");
-    stream->SetPos(8);
-    {
-        Chunky chunky(stream, 2);
-        for (std::uint32_t i = 0; i < 4; ++i) {
-            chunky.WriteFolderChunkName(c_menu, i, i == 1 ? nullptr : "name");
-            chunky.WriteDataChunkName(c_item, 10 + i, "item", 4);
-            chunky.Write(i);
-            chunky.Write(i);
-            chunky.PopChunk();
-            chunky.PopChunk();
-        }
-    }
-    stream->SetPos(8);
-    Chunky chunky(stream, 0);
-    Chunky::ChunkInfo info;
-    for (std::uint32_t i = 0; i < 4; ++i) {
-        SCOPED_TRACE(i);
-        ASSERT_TRUE(chunky.PeekChunk(info));
-        EXPECT_EQ(info.kind, Chunky::CK_FOLDER);
-        EXPECT_EQ(info.name, i == 1 ? "" : "name");
-        unsigned int const header = info.headerOffset;
-        EXPECT_EQ(header, chunky.GetStreamPos());
-        EXPECT_EQ(chunky.ReadFolderChunk(c_menu, 9).GetVersion(), i);
-        EXPECT_EQ(chunky.GetStreamPos(), info.bodyOffset);
-        if (i == 2) { // go back and read it again
-            chunky.PopChunk();
-            chunky.SetStreamPos(header);
-            chunky.ReadFolderChunk(c_menu, 9);
-        }
-        if (i > 0) { // the chunk of the first folder is never entered
-            ASSERT_TRUE(chunky.PeekChunk(info));
-            EXPECT_EQ(info.kind, Chunky::CK_DATA);
-            EXPECT_EQ(info.id, c_item);
-            EXPECT_EQ(info.version, 10 + i);
-            EXPECT_EQ(info.name, "item");
-            EXPECT_EQ(info.bodySize, 8u);
-            chunky.ReadDataChunk(c_item, 10 + i);
-            std::uint32_t value = 0;
-            chunky.Read(value); // the second value is never read
-            EXPECT_EQ(value, i);
-            chunky.PopChunk();
-            EXPECT_FALSE(chunky.PeekChunk(info));
-        }
-        chunky.PopChunk();
-    }
-    EXPECT_FALSE(chunky.PeekChunk(info));
-}
-
 // Each step is refused for its reason and leaves the position, or passes.
 struct Step {
     std::function<void(Chunky &)> act;
@@ -208,6 +157,49 @@ std::function<void(Chunky &)> enterFolder(std::uint32_t id, std::uint32_t versio
 
 std::function<void(Chunky &)> moveTo(unsigned int position) {
     return [position](Chunky & chunky) { chunky.SetStreamPos(position); };
+}
+
+TEST(ChunkyReader, ATreeReadsBackAndPopSkipsWhatWasNotRead) {
+    FilledStream stream("in front");
+    stream->SetPos(8);
+    {
+        Chunky chunky(stream, 2);
+        for (std::uint32_t i = 0; i < 3; ++i) {
+            chunky.WriteFolderChunkName(c_menu, i, i == 1 ? nullptr : "name");
+            chunky.WriteDataChunkName(c_item, 10 + i, "item", 4);
+            writeWord(chunky);
+            writeWord(chunky);
+            chunky.PopChunk();
+            chunky.PopChunk();
+        }
+    }
+    stream->SetPos(8);
+    Chunky chunky(stream, 0);
+    Chunky::ChunkInfo info;
+    for (std::uint32_t i = 0; i < 3; ++i) {
+        SCOPED_TRACE(i);
+        ASSERT_TRUE(chunky.PeekChunk(info));
+        EXPECT_EQ(info.kind, Chunky::CK_FOLDER);
+        EXPECT_EQ(info.name, i == 1 ? "" : "name");
+        EXPECT_EQ(info.headerOffset, chunky.GetStreamPos());
+        EXPECT_EQ(chunky.ReadFolderChunk(c_menu, 9).GetVersion(), i);
+        chunky.PopChunk(); // its chunk was never entered
+        chunky.SetStreamPos(info.headerOffset);
+        chunky.ReadFolderChunk(c_menu, 9);
+        ASSERT_TRUE(chunky.PeekChunk(info));
+        EXPECT_EQ(info.kind, Chunky::CK_DATA);
+        EXPECT_EQ(info.id, c_item);
+        EXPECT_EQ(info.version, 10 + i);
+        EXPECT_EQ(info.name, "item");
+        EXPECT_EQ(info.bodySize, 8u);
+        chunky.ReadDataChunk(c_item, 10 + i);
+        EXPECT_EQ(chunky.GetStreamPos(), info.bodyOffset);
+        readWord(chunky); // the second was never read
+        chunky.PopChunk();
+        EXPECT_FALSE(chunky.PeekChunk(info));
+        chunky.PopChunk();
+    }
+    EXPECT_FALSE(chunky.PeekChunk(info));
 }
 
 TEST(ChunkyReader, WhatDoesNotFitIsRefusedAndMovesNothing) {
@@ -269,17 +261,16 @@ TEST(ChunkyReader, AFileCutAtAnyByteThrows) {
 TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
     struct Field {
         unsigned int offset; // of the word
-        unsigned int header; // of its chunk
-        unsigned int depth;  // folders to enter first
-        std::uint32_t rest;  // the largest value that fits
+        bool isInFolder;
+        std::uint32_t rest; // the largest value that fits
         char const * name;
     };
 
     Field const fields[] = {
-        {28, 16, 0, 30, "size"},
-        {32, 16, 0, 3, "name length"}, // in front of a body of 30
-        {51, 39, 1, 10, "size"},
-        {55, 39, 1, 0, "name length"},
+        {28, false, 30, "size of the folder"},
+        {32, false, 3, "length of its name"}, // in front of a body of 30
+        {51, true, 10, "size of the data"},
+        {55, true, 0, "length of its name"},
     };
     for (Field const & field : fields) {
         std::uint32_t const values[] = {0,          1,         field.rest - 1, field.rest, field.rest + 1,
@@ -289,19 +280,16 @@ TEST(ChunkyReader, SizesAreCheckedAgainstWhatIsLeft) {
             patch(bytes, field.offset, value);
             FilledStream stream(bytes);
             Chunky chunky(stream, 0);
-            if (field.depth > 0)
+            std::function<void(Chunky &)> const enter = field.isInFolder ? readItem : enterFolder(c_menu, 1);
+            if (field.isInFolder)
                 chunky.ReadFolderChunk(c_menu, 1);
-            Chunky::ChunkInfo info;
-            bool const fits = value <= field.rest;
-            std::string const reason = ReasonOf([&] { chunky.PeekChunk(info); });
-            EXPECT_EQ(reason == c_passes, fits) << field.name << " " << value << ": " << reason;
-            EXPECT_EQ(chunky.GetStreamPos(), field.header);
-            EXPECT_EQ(stream->GetPos(), field.header);
-            auto const enter = [&] {
-                field.depth > 0 ? chunky.ReadDataChunk(c_item, 2) : chunky.ReadFolderChunk(c_menu, 1);
-            };
-            EXPECT_EQ(ReasonOf(enter), reason); // which looks at the name no further than to skip it
-            EXPECT_LE(info.bodyOffset + info.bodySize, 69u);
+            unsigned int const header = field.isInFolder ? 39 : 16;
+            std::string const reason = ReasonOf([&] { peek(chunky); });
+            EXPECT_EQ(reason == c_passes, value <= field.rest)
+                << field.name << " " << value << ": " << reason;
+            EXPECT_EQ(chunky.GetStreamPos(), header);
+            EXPECT_EQ(stream->GetPos(), header);
+            EXPECT_EQ(ReasonOf([&] { enter(chunky); }), reason) << "the name is only skipped";
         }
     }
 }

@@ -69,28 +69,6 @@ TEST(PathText, SplitsIntoPartsThatRejoin) {
     }
 }
 
-TEST(PathText, MakesPaths) {
-    struct Case {
-        char const * parts[4];
-        char const * path;
-    };
-
-    constexpr Case c_cases[] = {
-        {{"DATA", "art", "tank", "tga"}, "DATA:art/tank.tga"},
-        // separators that are there already are not doubled
-        {{"DATA:", "art/", "tank", ".tga"}, "DATA:art/tank.tga"},
-        {{"DATA", "art\\", "tank", ""}, "DATA:art\\tank"},
-        // empty parts leave nothing behind
-        {{"DATA", "art", "", ""}, "DATA:art"},
-        {{nullptr, nullptr, nullptr, nullptr}, ""},
-    };
-    for (Case const & row : c_cases) {
-        PathBuffer path("");
-        EXPECT_TRUE(fs::MakePath(path.text, row.parts[0], row.parts[1], row.parts[2], row.parts[3]));
-        EXPECT_STREQ(path.text, row.path);
-    }
-}
-
 TEST(PathText, SetsReplacesAndTakesAwayAlsoInPlace) {
     PathBuffer path("tank");
     EXPECT_TRUE(fs::MakePath(path.text, "log", "art", path.text, "txt"));

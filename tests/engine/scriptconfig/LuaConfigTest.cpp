@@ -276,32 +276,21 @@ TEST(LuaConfigTest, GettersAreStrict) {
 }
 
 TEST(LuaConfigTest, UnsignedNumbersFitOrFail) {
-    struct Case {
-        char const * source;
-        std::optional<std::uint32_t> expected;
-    };
-
-    constexpr Case cases[] = {{"0", 0},
-                              {"3.99", 3},
-                              {"-0.99", 0},
-                              {"4294967295.5", 4294967295u},
-                              {"4294967296", std::nullopt},
-                              {"-1", std::nullopt},
-                              {"1/0", std::nullopt},
-                              {"0/0", std::nullopt},
-                              {"'5'", std::nullopt}};
+    constexpr std::uint32_t kept = 77;
+    constexpr std::pair<char const *, std::uint32_t> cases[] = {
+        {"v = 3.99", 3},          {"v = -0.99", 0}, {"v = 4294967295.5", 4294967295u},
+        {"v = 4294967296", kept}, {"v = -1", kept}, {"v = 1/0", kept},
+        {"v = 0/0", kept},        {"v = '5'", kept}};
     LuaConfig config("", false);
-    for (Case const & row : cases) {
-        SCOPED_TRACE(row.source);
-        ASSERT_TRUE(config.RunString((std::string("v = ") + row.source).c_str(), true));
-        std::uint32_t value = 77;
-        EXPECT_EQ(LCGetULong(config, "v", value), row.expected.has_value());
-        EXPECT_EQ(value, row.expected.value_or(77));
+    for (auto const & [source, expected] : cases) {
+        SCOPED_TRACE(source);
+        ASSERT_TRUE(config.RunString(source, true));
+        std::uint32_t value = kept;
+        EXPECT_EQ(LCGetULong(config, "v", value), expected != kept);
+        EXPECT_EQ(value, expected);
     }
     LCSetULong(config, "u", 4294967295u);
-    LCSetFloat(config, "f", 0.1f);
     EXPECT_EQ(number(config, "u"), 4294967295.0);
-    EXPECT_EQ(number(config, "f"), static_cast<double>(0.1f));
 }
 
 TEST(LuaConfigTest, WideTextIsCutBetweenCharacters) {
