@@ -17,7 +17,8 @@ class smallvector {
     static_assert(std::is_trivially_copyable_v<T> && std::is_trivially_destructible_v<T>);
 
 public:
-    smallvector() = default;
+    constexpr smallvector() : unused() {}
+
     smallvector(smallvector const &) = delete;
     smallvector & operator=(smallvector const &) = delete;
 
@@ -63,15 +64,17 @@ public:
     T const * end() const { return first + count; }
 
 private:
-    T * inPlace() { return reinterpret_cast<T *>(storage); }
-
     void release() {
-        if (first != inPlace())
+        if (first != inPlace)
             allocator.deallocate(first, room);
     }
 
-    alignas(T) unsigned char storage[N * sizeof(T)];
-    T * first = inPlace();
+    union {
+        unsigned char unused; // until elements come up, so that an empty vector needs no start-up code
+        T inPlace[N];
+    };
+
+    T * first = inPlace;
     std::size_t count = 0;
     std::size_t room = N;
     [[no_unique_address]] Allocator allocator;
