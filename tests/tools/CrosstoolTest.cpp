@@ -214,7 +214,6 @@ TEST_F(Crosstool, FailsWithAReason) {
         {{"table", "verify", here}, "failed: " + here + ": is a directory"},
         {{"table", "verify", table + "/x"}, "failed: " + table + "/x: "},
         {{"table", "verify", foreign}, "failed: " + foreign + ": offset 0xC: written for platform 2"},
-        {{"table", "build", missing, table}, "failed: " + missing + ": does not exist"},
         {{"table", "build", folder / "bad.lua", table},
          "failed: " + (folder / "bad.lua") + ": b: is a function"},
         {{"table", "build", folder / "sample.lua", here}, "failed: " + here + ": cannot be written"},

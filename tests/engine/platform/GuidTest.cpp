@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <set>
 #include <string>
+#include <tuple>
 
 namespace {
 
@@ -14,22 +15,16 @@ constexpr _GUID c_sample = {0x1B4E28BA, 0x2FA1, 0x01D2, {0x88, 0x3F, 0x00, 0x16,
 TEST(Guid, WritesItsText) {
     constexpr char const * c_bare = "1b4e28ba-2fa1-01d2-883f-0016d3cca427";
     constexpr char const * c_braced = "{1b4e28ba-2fa1-01d2-883f-0016d3cca427}";
-
-    struct Case {
-        unsigned int size;
-        bool braces;
-        char const * text; // null: does not fit
+    constexpr std::tuple<unsigned int, bool, char const *> c_cases[] = {
+        // size of the buffer, braces, and the text; "" when it does not fit
+        {0, true, c_braced}, {0, false, c_bare}, {39, true, c_braced}, {38, true, ""},
+        {37, false, c_bare}, {36, false, ""},    {1, false, ""},
     };
-
-    constexpr Case c_cases[] = {
-        {0, true, c_braced}, {0, false, c_bare},   {39, true, c_braced}, {38, true, nullptr},
-        {37, false, c_bare}, {36, false, nullptr}, {1, false, nullptr},
-    };
-    for (Case const & each : c_cases) {
+    for (auto const & [size, braces, text] : c_cases) {
         char out[41];
         std::memset(out, '#', sizeof(out));
-        EXPECT_EQ(GUIDToString(out, each.size, c_sample, each.braces), each.text != nullptr);
-        EXPECT_STREQ(out, each.text ? each.text : "");
+        EXPECT_EQ(GUIDToString(out, size, c_sample, braces), *text != '\0') << size;
+        EXPECT_STREQ(out, text) << size;
         EXPECT_EQ(out[40], '#') << "a buffer of 40 bytes is enough";
     }
     EXPECT_FALSE(GUIDToString(nullptr, 0, c_sample, true));

@@ -243,34 +243,28 @@ TEST(LuaConfigTest, GettersAreStrict) {
     LuaConfig config("", false);
     config.RunString("n = 2.5  s = '1\\0'  b = false  t = {}  f = function() end", true);
 
-    struct Case {
-        char const * name;
-        LuaConfig::LuaType type;
-    };
-
-    constexpr Case cases[] = {{"n", LuaConfig::LT_NUMBER},  {"s", LuaConfig::LT_STRING},
-                              {"b", LuaConfig::LT_BOOLEAN}, {"t", LuaConfig::LT_TABLE},
-                              {"f", LuaConfig::LT_NONE},    {"missing", LuaConfig::LT_NONE},
-                              {nullptr, LuaConfig::LT_NONE}};
-    for (Case const & row : cases) {
-        SCOPED_TRACE(row.name ? row.name : "null");
-        bool const isNumber = row.type == LuaConfig::LT_NUMBER;
-        bool const isBool = row.type == LuaConfig::LT_BOOLEAN;
-        bool const isString = row.type == LuaConfig::LT_STRING;
+    constexpr std::pair<char const *, LuaConfig::LuaType> cases[] = {
+        {"n", LuaConfig::LT_NUMBER}, {"s", LuaConfig::LT_STRING}, {"b", LuaConfig::LT_BOOLEAN},
+        {"t", LuaConfig::LT_TABLE},  {"f", LuaConfig::LT_NONE},   {nullptr, LuaConfig::LT_NONE}};
+    for (auto const & [name, type] : cases) {
+        SCOPED_TRACE(name ? name : "null");
+        bool const isNumber = type == LuaConfig::LT_NUMBER;
+        bool const isBool = type == LuaConfig::LT_BOOLEAN;
+        bool const isString = type == LuaConfig::LT_STRING;
         float n = 9;
         bool b = true;
         std::string s = "kept";
         char buffer[8] = "kept";
-        EXPECT_EQ(config.GetType(row.name), row.type);
-        EXPECT_EQ(LCGetFloat(config, row.name, n), isNumber);
+        EXPECT_EQ(config.GetType(name), type);
+        EXPECT_EQ(LCGetFloat(config, name, n), isNumber);
         EXPECT_EQ(n, isNumber ? 2.5 : 9);
-        EXPECT_EQ(LCGetBool(config, row.name, b), isBool);
+        EXPECT_EQ(LCGetBool(config, name, b), isBool);
         EXPECT_EQ(b, !isBool);
-        EXPECT_EQ(LCGetString(config, row.name, s), isString);
+        EXPECT_EQ(LCGetString(config, name, s), isString);
         EXPECT_EQ(s, isString ? std::string("1\0", 2) : "kept");
-        EXPECT_EQ(config.GetString(row.name, buffer, 0), isString);
+        EXPECT_EQ(config.GetString(name, buffer, 0), isString);
         EXPECT_STREQ(buffer, "kept");
-        EXPECT_EQ(config.GetString(row.name, buffer, 2), isString);
+        EXPECT_EQ(config.GetString(name, buffer, 2), isString);
         EXPECT_STREQ(buffer, isString ? "1" : "kept");
     }
 }
