@@ -2,7 +2,7 @@
 // each way round. A text never differs from itself, and the two ways agree on whether and where texts differ.
 
 #include "tests/support/StreamBytes.h"
-#include "tools/SyncDiff.h"
+#include "tools/syncdiff/SyncDiff.h"
 
 #include <cstdlib>
 #include <optional>

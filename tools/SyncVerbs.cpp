@@ -1,7 +1,7 @@
 #include "tools/InputFile.h"
 #include "tools/Quote.h"
-#include "tools/SyncDiff.h"
 #include "tools/Verbs.h"
+#include "tools/syncdiff/SyncDiff.h"
 
 #include <CLI/CLI.hpp>
 

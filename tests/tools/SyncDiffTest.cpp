@@ -1,4 +1,4 @@
-#include "tools/SyncDiff.h"
+#include "tools/syncdiff/SyncDiff.h"
 
 #include "tests/support/ReasonOf.h"
 #include "tests/support/StreamBytes.h"

@@ -1,4 +1,4 @@
-#include "tools/SyncDiff.h"
+#include "tools/syncdiff/SyncDiff.h"
 
 #include "Cross/engine/core/Text.h"
 
