@@ -1,0 +1,216 @@
+#include "Cross/Util/CRCRecord.h"
+#include "Cross/Util/Random.h"
+#include "Cross/engine/filesystem/FilePath.h"
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <zlib.h>
+
+#include <cstring>
+#include <limits>
+
+namespace {
+
+Dictionary::Key key(char const * name) { return keyedCRCEntry::s_dictionary.GetKey(name); }
+
+// Prints into a folder of its own and gives the text.
+class SyncLog : public testing::Test {
+protected:
+    SyncLog() { FilePath::SetAlias("log", folder.Path().c_str()); }
+
+    ~SyncLog() override { FilePath::RemoveAlias("log"); }
+
+    std::string Printed(CRCBlock const & block) {
+        std::string const name = "block" + std::to_string(count++);
+        char path[c_maxPath];
+        LogFile::MakeFilename(path, name.c_str(), ".txt");
+        block.Print(name.c_str());
+        return folder.ReadFile(std::strchr(path, ':') + 1);
+    }
+
+    template <class T>
+    std::string PrintedValue(T const & value) {
+        CRCBlock block;
+        Record(block, key("v"), value);
+        std::string const text = Printed(block);
+        return text.substr(text.find('\n') + 1);
+    }
+
+    TemporaryFolder folder;
+    int count = 0;
+};
+
+std::uint32_t crcOf(void const * bytes, std::size_t size) {
+    return static_cast<std::uint32_t>(crc32(0, static_cast<Bytef const *>(bytes), static_cast<uInt>(size)));
+}
+
+} // namespace
+
+TEST_F(SyncLog, PrintsGroupsTwoBlanksALevel) {
+    CRCBlock block;
+    EXPECT_EQ(Printed(block), "Total CRC: [ 0 ]\n");
+    {
+        CRCGroup const sim(block, key("Sim"));
+        Record(block, key("frame"), 12);
+        CRCGroup const unit(block, key("unit"));
+        AddEntry<commentCRCEntry>(block, "between moves");
+        Record(block, key("alive"), true);
+    }
+    EXPECT_EQ(Printed(block), "Total CRC: [ 74d52a8a ]\n"
+                              "Sim: \n"
+                              "{\n"
+                              "  frame: [ 12 ]\n"
+                              "  unit: \n"
+                              "  {\n"
+                              "    between moves\n"
+                              "    alive: [ true <1> ]\n"
+                              "  }\n"
+                              "}\n");
+}
+
+// The depth belongs to all blocks: what one leaves open moves the next. Below 0 nothing is indented.
+TEST_F(SyncLog, UnbalancedGroupsMoveTheNextBlock) {
+    CRCBlock open, close, value;
+    AddEntry<pushCRCEntry>(open, key("g"));
+    AddEntry<popCRCEntry>(close);
+    Record(value, key("v"), 1);
+    auto const line = [&] { return Printed(value).substr(Printed(value).find('\n') + 1); };
+    Printed(open);
+    EXPECT_EQ(line(), "  v: [ 1 ]\n");
+    Printed(close);
+    EXPECT_EQ(line(), "v: [ 1 ]\n");
+    EXPECT_NE(Printed(close).find("\n}\n"), std::string::npos);
+    EXPECT_EQ(line(), "v: [ 1 ]\n");
+    Printed(open);
+    EXPECT_EQ(line(), "v: [ 1 ]\n");
+}
+
+TEST_F(SyncLog, ValuesHaveTheirForms) {
+    constexpr float c_small = 0x1p-149f;
+    Math::Vector3f const v{1.0f, -2.5f, c_small};
+    std::string const triple =
+        "(1.000000000e+00 <3f800000>, -2.500000000e+00 <c0200000>, 1.401298464e-45 <1>)";
+    std::string const rows3 = triple + ", " + triple + ", " + triple;
+    EXPECT_EQ(PrintedValue(false), "v: [ false <0> ]\n");
+    EXPECT_EQ(PrintedValue(std::uint8_t{200}), "v: [ 200 ]\n");
+    EXPECT_EQ(PrintedValue(std::uint16_t{65535}), "v: [ 65535 ]\n");
+    EXPECT_EQ(PrintedValue(-7), "v: [ -7 ]\n");
+    EXPECT_EQ(PrintedValue(0xFFFFFFFFu), "v: [ -1 ]\n");
+    EXPECT_EQ(PrintedValue(std::uint64_t{0xFFFFFFFFFFFFFFFF}), "v: [ 18446744073709551615 ]\n");
+    EXPECT_EQ(PrintedValue(1.0f), "v: [ 1.000000000e+00 <3f800000> ]\n");
+    EXPECT_EQ(PrintedValue(std::numeric_limits<float>::infinity()), "v: [ inf <7f800000> ]\n");
+    EXPECT_EQ(PrintedValue(Math::Vector2f{0.0f, -0.0f}),
+              "v: [ (0.000000000e+00 <0>, -0.000000000e+00 <80000000>) ]\n");
+    EXPECT_EQ(PrintedValue(v), "v: [ " + triple + " ]\n");
+    EXPECT_EQ(PrintedValue(Math::Matrix3f{{v, v, v}}), "v: [ " + rows3 + " ]\n");
+    EXPECT_EQ(PrintedValue(Math::Matrix43f{{v, v, v, v}}), "v: [ " + rows3 + ", " + triple + " ]\n");
+    EXPECT_EQ(PrintedValue(FourLetterID(0x42564F4C)), "v: [ BVOL ]\n");
+    EXPECT_EQ(PrintedValue(fixedstring<63, tarnstring_trait<char>>("50% %s")), "v: [ 50% %s ]\n");
+    std::string const longText(300, 'x');
+    EXPECT_EQ(PrintedValue(fixedstring<255, tarnstring_trait<char>>(longText.c_str())),
+              "v: [ " + longText.substr(0, 255) + " ]\n");
+}
+
+TEST_F(SyncLog, CommentsAreCut) {
+    for (std::size_t const length : {0u, 63u, 100u}) {
+        CRCBlock block;
+        AddEntry<commentCRCEntry>(block, std::string(length, 'c').c_str());
+        EXPECT_EQ(Printed(block),
+                  "Total CRC: [ 0 ]\n" + std::string(std::min<std::size_t>(length, 63), 'c') + "\n");
+    }
+}
+
+// A log that cannot be created is not an error, and the depth moves all the same.
+TEST_F(SyncLog, PrintsNothingWithoutAFile) {
+    CRCBlock open, close;
+    AddEntry<pushCRCEntry>(open, key("g"));
+    AddEntry<popCRCEntry>(close);
+    FilePath::RemoveAlias("log");
+    open.Print("nowhere");
+    FilePath::SetAlias("log", folder.Path().c_str());
+    EXPECT_EQ(PrintedValue(1), "  v: [ 1 ]\n");
+    Printed(close);
+}
+
+TEST(CRCBlock, TheCRCIsThatOfAllValues) {
+    CRCBlock with, without;
+
+    struct {
+        float number = 0.1f;
+        std::uint32_t word = 0x12345678;
+    } const values;
+
+    for (CRCBlock * const block : {&with, &without}) {
+        Record(*block, key("number"), values.number, block == &with);
+        Record(*block, key("word"), values.word, block == &with);
+    }
+    EXPECT_EQ(with.GetCRC(), crcOf(&values, sizeof(values)));
+    EXPECT_EQ(without.GetCRC(), with.GetCRC());
+
+    // Equal texts give equal CRCs, whatever stood in the string before.
+    CRCBlock fresh, reused;
+    fixedstring<63, tarnstring_trait<char>> text("a longer text");
+    text = "short";
+    Record(reused, key("text"), text);
+    Record(fresh, key("text"), fixedstring<63, tarnstring_trait<char>>("short"));
+    EXPECT_EQ(fresh.GetCRC(), reused.GetCRC());
+}
+
+TEST_F(SyncLog, CopyLocalTakesTheCRCAndAppendsEntries) {
+    CRCBlock values, empty, target;
+    target.CopyLocal(empty);
+    EXPECT_EQ(target.GetCRC(), 0x2144DF1Cu) << "of four zeros";
+
+    Record(values, key("v"), 1);
+    target.CopyLocal(values);
+    EXPECT_EQ(Printed(target).find("v:"), std::string::npos) << "a block without entries takes none";
+
+    target.Clear();
+    EXPECT_EQ(target.GetCRC(), 0u);
+    AddEntry<commentCRCEntry>(target, "first");
+    target.CopyLocal(values);
+    std::uint32_t const crc = values.GetCRC();
+    unsigned char const bytes[] = {static_cast<unsigned char>(crc), static_cast<unsigned char>(crc >> 8),
+                                   static_cast<unsigned char>(crc >> 16),
+                                   static_cast<unsigned char>(crc >> 24)};
+    EXPECT_EQ(target.GetCRC(), crcOf(bytes, 4));
+    target.CopyLocal(target);
+    std::string const text = Printed(target);
+    EXPECT_EQ(text.substr(text.find('\n') + 1), "first\nv: [ 1 ]\nfirst\nv: [ 1 ]\n");
+}
+
+TEST_F(SyncLog, CopiesAreDeep) {
+    CRCBlock source;
+    Record(source, key("v"), 1);
+    CRCBlock copy(source), assigned;
+    Record(assigned, key("w"), 2);
+    assigned = source;
+    std::string const text = Printed(source);
+    source.Clear();
+    Record(source, key("v"), 3);
+    EXPECT_EQ(Printed(copy), text);
+    EXPECT_EQ(Printed(assigned), text);
+}
+
+// The buffer has 256 bytes at first, then powers of two, and stays over Clear: addresses tell when it moved.
+TEST(CRCBlock, GrowsByPowersOfTwoAndKeepsItsBuffer) {
+    CRCBlock block;
+    char * const first = static_cast<char *>(block.AllocateEntry(4));
+    EXPECT_EQ(block.AllocateEntry(252), first + 4);
+    block.Clear();
+    EXPECT_EQ(block.AllocateEntry(256), first);
+}
+
+// The same in every build: by any compiler, at any optimisation, under sanitizers.
+TEST(CRCBlock, AStoredSeedHasItsCRC) {
+    Random random;
+    random.SetSeed(20261122);
+    CRCBlock block;
+    float position = 0;
+    for (int i = 0; i < 10'000; ++i) {
+        position += static_cast<float>(random.GetUnitExclusive()) * 0.1f - 0.05f;
+        Record(block, key("position"), position, false);
+        Record(block, key("roll"), random.GetRange(1, 6), false);
+    }
+    EXPECT_EQ(block.GetCRC(), 1235711956u);
+}
