@@ -5,7 +5,9 @@
 
 #include "Cross/Util/BinaryConfig.h"
 #include "Cross/Util/BinaryConfigIO.h"
-#include "Cross/Util/Dictionary.h"
+#include "Cross/Util/Dca.h"
+#include "Cross/Util/DictionaryLoad.h"
+#include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
 
@@ -30,6 +32,18 @@ std::set<std::uint32_t> keysByWalking(Asset const & asset) {
         for (unsigned int i = 0; i < table.GetCount(); ++i)
             keys.insert(table.GetAt(i));
     return keys;
+}
+
+// The dictionary as a program would keep it beside its data: read back, every text has the key it had.
+bool comesBack(Dictionary const & names) {
+    constexpr char const * c_file = "SCRATCH:names.dict";
+    {
+        ByteStreamProxy stream = FilePath::OpenStream(c_file, c_streamWrite);
+        DictionaryLoad::Save(stream, names);
+    }
+    ByteStreamProxy stream = FilePath::OpenStream(c_file, c_streamRead);
+    Dictionary copy(true);
+    return DictionaryLoad::Load(stream, copy);
 }
 
 } // namespace
@@ -57,4 +71,8 @@ void CheckKeys(Report & report, std::vector<Asset> const & assets) {
     });
     report.Expect(interned > 10, "names were interned");
     report.Evidence(std::to_string(interned) + " names found both ways");
+
+    report.Expect(comesBack(names), "the dictionary keeps its keys in a file");
+    report.Expect(dca::GetKey("Units/Tank") == dca::GetKey("units\\tank"), "paths have one spelling");
+    report.Evidence("they kept their keys in a file");
 }

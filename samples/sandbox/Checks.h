@@ -17,4 +17,8 @@ void CheckLogs(Report & report, std::vector<Asset> const & assets);
 void CheckInventory(Report & report, Game & game);
 void CheckReload(Report & report, Game & game);
 void CheckScripts(Report & report);
+void CheckRecords(Report & report);
+
+// Changes one bit in one of two worlds at the start of a frame, counted from 1.
+void CheckSync(Report & report, unsigned int driftFrame);
 void CheckNothingLeft(Report & report, Game & game);

@@ -18,6 +18,7 @@ struct Settings {
     bool headless = false;
     bool fail = false;
     bool console = false;
+    unsigned int desync = 137;
 };
 
 void addOptions(CLI::App & app, Settings & settings) {
@@ -26,6 +27,9 @@ void addOptions(CLI::App & app, Settings & settings) {
                  "Make one start step fail once, to see the start undone and repeated");
     app.add_flag("--console", settings.console,
                  "Run lines from standard input in the global script state at the end");
+    app.add_option("--desync", settings.desync, "Frame in which a bit of one of two worlds changes")
+        ->check(CLI::Range(1, 100'000))
+        ->option_text("FRAME [137]");
     app.add_option("--data", settings.data, "Folder of the game's scripts")->check(CLI::ExistingDirectory);
     app.add_option("--work", settings.work, "Folder for built tables and logs; made when missing");
     app.footer("Other options, such as -name=12, are the engine's.");
@@ -39,9 +43,9 @@ bool mapAliases(Settings const & settings) {
            FilePath::SetAlias("log", (settings.work + "/logs").c_str());
 }
 
-void runChecks(Report & report, Game & game, StartUp const & start, bool failedOnce) {
+void runChecks(Report & report, Game & game, StartUp const & start, Settings const & settings) {
     CheckFiles(report);
-    CheckStart(report, start, failedOnce);
+    CheckStart(report, start, settings.fail);
     CheckTables(report, game.assets);
     CheckReaders(report, game.assets);
     CheckKeys(report, game.assets);
@@ -49,6 +53,8 @@ void runChecks(Report & report, Game & game, StartUp const & start, bool failedO
     CheckInventory(report, game);
     CheckReload(report, game);
     CheckScripts(report);
+    CheckRecords(report);
+    CheckSync(report, settings.desync);
     CheckNothingLeft(report, game);
     report.End();
 }
@@ -77,7 +83,7 @@ int main(int argc, char ** argv) {
         std::fprintf(stderr, "the game does not start: %s\n", start.GetEvents().c_str());
         return 1;
     }
-    runChecks(report, game, start, settings.fail);
+    runChecks(report, game, start, settings);
     if (settings.console)
         RunConsole();
     start.Unload();

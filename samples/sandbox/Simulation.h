@@ -1,0 +1,40 @@
+#pragma once
+
+// A small deterministic world: units whose state is kept as run-time records and changed by random numbers.
+// Two worlds of one seed stay the same to the bit, frame by frame, until something outside changes one.
+
+#include "Cross/Util/CRCBlock.h"
+#include "Cross/Util/Random.h"
+#include "Cross/Util/RunTimeStructBuffer.h"
+
+#include <cstdint>
+#include <vector>
+
+class Simulation {
+public:
+    Simulation(std::uint32_t seed, unsigned int unitCount);
+
+    // Moves the world on by one frame.
+    void Step();
+
+    // Changes the lowest bit of a unit's position, as an uninitialised value or another compiler might.
+    void Nudge(unsigned int unit);
+
+    // Replaces what the block holds by the state of this frame, in a group "Sim". The CRC is the same with
+    // and without the entries that Print needs.
+    void RecordTo(CRCBlock & block, bool keepEntries) const;
+
+    unsigned int GetFrame() const { return frame; }
+
+    std::vector<RunTimeStruct::Buffer> const & GetUnits() const { return units; }
+
+    // What a unit's record holds.
+    static RunTimeStruct::Layout UnitLayout();
+
+private:
+    void moveUnit(RunTimeStruct::Buffer & unit);
+
+    Random random;
+    std::vector<RunTimeStruct::Buffer> units;
+    unsigned int frame = 0;
+};

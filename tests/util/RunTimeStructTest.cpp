@@ -1,0 +1,330 @@
+#include "Cross/Util/RunTimeStruct.h"
+#include "Cross/Util/RunTimeStructBuffer.h"
+#include "Cross/Util/RunTimeStructCopier.h"
+#include "Cross/Util/RunTimeStructMember.h"
+#include "Cross/engine/memory/MemPool.h"
+#include "tests/support/HeapLimit.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <string>
+
+using namespace RunTimeStruct;
+
+namespace {
+
+using Key = Dictionary::Key;
+
+struct Described {
+    std::uint32_t key;
+    TypeInfo const * type;
+    unsigned int length = 1;
+};
+
+Layout layoutOf(std::initializer_list<Described> members) {
+    Layout layout;
+    for (Described const & member : members)
+        EXPECT_TRUE(layout.AddMember(Key(member.key), member.type, member.length));
+    return layout;
+}
+
+Buffer bufferOf(Layout const & layout, char first = 0) {
+    Buffer buffer;
+    buffer.Setup(layout);
+    for (unsigned int i = 0; i < buffer.GetSize(); ++i)
+        static_cast<char *>(buffer.GetData())[i] = static_cast<char>(first + static_cast<char>(i));
+    return buffer;
+}
+
+std::string bytesOf(Buffer const & buffer) {
+    return {static_cast<char const *>(buffer.GetData()), buffer.GetSize()};
+}
+
+TypeInfo const * const c_float = GetTypeInfo_float();
+TypeInfo const * const c_bool = GetTypeInfo_bool();
+TypeInfo const * const c_vector = GetTypeInfo_Math_Vector3f();
+
+} // namespace
+
+TEST(Layouts, TypesHaveTheirNamesAndSizes) {
+    struct Case {
+        TypeInfo const * type;
+        char const * name;
+        unsigned int size;
+    };
+
+    Case const c_cases[] = {
+        {GetTypeInfo_float(), "float", 4},
+        {GetTypeInfo_int(), "int", 4},
+        {GetTypeInfo_bool(), "bool", 1},
+        {GetTypeInfo_Math_Vector2f(), "Math::Vector2f", 8},
+        {GetTypeInfo_Math_Vector3f(), "Math::Vector3f", 12},
+        {GetTypeInfo_Math_Vector4f(), "Math::Vector4f", 16},
+        {GetTypeInfo_Math_Matrix3f(), "Math::Matrix3f", 36},
+        {GetTypeInfo_Math_Matrix43f(), "Math::Matrix43f", 48},
+        {GetTypeInfo_Math_Matrix4f(), "Math::Matrix4f", 64},
+        {GetTypeInfo_MathPrim_Colour(), "MathPrim::Colour", 4},
+    };
+    for (Case const & test : c_cases) {
+        EXPECT_STREQ(test.type->GetName(), test.name);
+        EXPECT_EQ(test.type->GetSize(), test.size);
+    }
+}
+
+TEST(Layouts, MembersLieBackToBack) {
+    Layout layout = layoutOf({{1, c_bool}, {2, c_float}, {3, c_vector, 3}, {4, c_float, 0}, {5, c_bool}});
+    unsigned int const c_offsets[] = {0, 1, 5, 41, 41};
+    for (unsigned int i = 0; i < 5; ++i)
+        EXPECT_EQ(layout.GetMember(i)->offset, c_offsets[i]) << i;
+    EXPECT_EQ(layout.GetDataSize(), 42u);
+    EXPECT_EQ(layout.GetMember(5), nullptr);
+    EXPECT_TRUE(layout.RemoveMember(Key(2)));
+    EXPECT_EQ(layout.GetMemberIndex(Key(3)), 1);
+    EXPECT_EQ(layout.FindMember(Key(3))->offset, 1u);
+    EXPECT_EQ(layout.GetDataSize(), 38u);
+    EXPECT_EQ(layout.GetMemberIndex(Key(2)), -1);
+}
+
+// Made of keys, types and order; lengths play no part.
+TEST(Layouts, IdentityNumber) {
+    EXPECT_EQ(Layout().GetLayoutID(), 0xFFFFFFFFu);
+    auto const address = static_cast<std::uint32_t>(reinterpret_cast<std::uintptr_t>(c_float));
+    std::uint32_t expected = 0;
+    Layout layout;
+    for (int i = 0; i < 40; ++i) { // beyond 32 the rotation begins anew
+        layout.AddMember(Key(0x10u * static_cast<unsigned int>(i + 1)), c_float, 1);
+        expected = std::rotl(expected, i % 32) ^ 0x10u * static_cast<unsigned int>(i + 1) ^ address;
+    }
+    EXPECT_EQ(layout.GetLayoutID(), expected);
+    layout.ClearAllMembers();
+    EXPECT_EQ(layout.GetLayoutID(), 0u);
+
+    Layout const one = layoutOf({{1, c_bool}, {2, c_float}}), same = layoutOf({{1, c_bool}, {2, c_float}});
+    Layout const turned = layoutOf({{2, c_float}, {1, c_bool}}),
+                 longer = layoutOf({{1, c_bool}, {2, c_float, 2}});
+    EXPECT_TRUE(*one.GetInternalLayout() == *same.GetInternalLayout());
+    EXPECT_FALSE(*one.GetInternalLayout() == *turned.GetInternalLayout());
+    EXPECT_FALSE(*one.GetInternalLayout() == *longer.GetInternalLayout());
+    EXPECT_EQ(one.GetLayoutID(), longer.GetLayoutID());
+}
+
+TEST(Layouts, RefusedMembersChangeNothing) {
+    TypeInfo const big("big", 0x80000000);
+    Layout layout = layoutOf({{1, c_float}});
+    unsigned int const id = layout.GetLayoutID();
+    EXPECT_FALSE(layout.AddMember(Key(1), c_bool, 1));
+    EXPECT_FALSE(layout.AddMember(Key(2), nullptr, 1));
+    EXPECT_FALSE(layout.AddMember(Key(2), c_float, 0xFFFFFFFF));
+    EXPECT_FALSE(layout.AddMember(Key(2), &big, 2));
+    EXPECT_FALSE(layout.AddMember(Key(2), c_bool, 0xFFFFFFFC));
+    EXPECT_FALSE(layout.RemoveMember(Key(2)));
+    EXPECT_EQ(layout.GetMemberCount(), 1u);
+    EXPECT_EQ(layout.GetLayoutID(), id);
+    EXPECT_TRUE(layout.AddMember(Key(2), c_bool, 0xFFFFFFFB)) << "exactly 32 bits";
+}
+
+// The first change through a handle that shares its body, also one that fails, leaves the others theirs.
+TEST(Layouts, HandlesCopyOnWrite) {
+    Layout a = layoutOf({{1, c_float}});
+    Layout b = a, c = a;
+    auto const body = a.GetInternalLayout();
+    EXPECT_TRUE(b.AddMember(Key(2), c_float, 1));
+    EXPECT_EQ(a.GetMemberCount(), 1u);
+    EXPECT_FALSE(c.RemoveMember(Key(9)));
+    EXPECT_NE(c.GetInternalLayout(), body);
+    EXPECT_TRUE(*c.GetInternalLayout() == *body);
+    EXPECT_EQ(a.GetInternalLayout(), body);
+    InternalLayout const * const own = c.GetInternalLayout().get();
+    EXPECT_TRUE(c.AddMember(Key(3), c_float, 1));
+    EXPECT_EQ(c.GetInternalLayout().get(), own) << "a body of its own is changed in place";
+}
+
+TEST(Buffers, NotSetUp) {
+    Buffer buffer;
+    Ref const ref(Key(1), c_float, 1);
+    EXPECT_FALSE(buffer.IsSetup());
+    EXPECT_EQ(buffer.GetLayoutID(), 0xFFFFFFFFu);
+    EXPECT_EQ(buffer.GetSize(), 0u);
+    EXPECT_EQ(buffer.GetVoidPtr(ref), nullptr);
+    EXPECT_EQ(ref.GetLastOffset(), 0u) << "the ref stays as it was";
+    EXPECT_FALSE(Ref().IsValid());
+    buffer.Setup(Layout());
+    EXPECT_FALSE(buffer.IsSetup());
+    EXPECT_EQ(buffer.GetVoidPtr(ref), nullptr);
+}
+
+TEST(Buffers, SetupKeepsTheBytesOfAnEqualLayout) {
+    Layout layout = layoutOf({{1, c_float}, {2, c_bool}});
+    Buffer buffer = bufferOf(layout, 10);
+    std::string const bytes = bytesOf(buffer);
+    void const * const block = buffer.GetData();
+    EXPECT_TRUE(buffer.Setup(layout) && buffer.Setup(layoutOf({{1, c_float}, {2, c_bool}})));
+    EXPECT_EQ(bytesOf(buffer), bytes);
+    layout.AddMember(Key(3), c_vector, 1); // the handle moves to a clone
+    EXPECT_EQ(buffer.FindMember(Key(3)), nullptr);
+    EXPECT_EQ(buffer.GetData(), block);
+    EXPECT_TRUE(buffer.Setup(layout));
+    EXPECT_EQ(buffer.GetSize(), 17u);
+    EXPECT_NE(buffer.FindMember(Key(3)), nullptr);
+}
+
+TEST(Buffers, CopiesHaveBlocksOfTheirOwn) {
+    Buffer source = bufferOf(layoutOf({{1, c_float}, {2, c_bool}}), 1);
+    Buffer copy(source), other = bufferOf(layoutOf({{7, c_vector}}));
+    other = source;
+    EXPECT_TRUE(copy.GetData() != source.GetData() && other.GetData() != source.GetData());
+    EXPECT_TRUE(bytesOf(copy) == bytesOf(source) && bytesOf(other) == bytesOf(source));
+    EXPECT_EQ(copy.FindMember(Key(1)), source.FindMember(Key(1))) << "the layout is shared";
+    Buffer & itself = source;
+    source = itself;
+    EXPECT_EQ(bytesOf(source), bytesOf(copy));
+    other = Buffer();
+    EXPECT_FALSE(other.IsSetup());
+    EXPECT_EQ(other.GetData(), nullptr);
+}
+
+TEST(Buffers, RefsRememberOneLayout) {
+    Buffer const a = bufferOf(layoutOf({{1, c_bool}, {2, c_float}})), b = bufferOf(layoutOf({{2, c_float}}));
+    Buffer const without = bufferOf(layoutOf({{9, c_float}}));
+    Ref const ref(Key(2), c_float, 1);
+    auto const at = [&](Buffer const & buffer) {
+        return static_cast<char const *>(buffer.GetVoidPtr(ref)) -
+               static_cast<char const *>(buffer.GetData());
+    };
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(at(a), 1);
+        EXPECT_EQ(at(b), 0);
+        EXPECT_EQ(ref.GetLastLayoutID(), b.GetLayoutID());
+    }
+    EXPECT_EQ(without.GetVoidPtr(ref), nullptr);
+    EXPECT_EQ(ref.GetLastOffset(), 0xFFFFFFFFu);
+    EXPECT_EQ(ref.GetLastLayoutID(), without.GetLayoutID());
+    EXPECT_EQ(without.GetVoidPtr(ref), nullptr);
+    Buffer gone = a;
+    at(a);
+    gone.Reset();
+    EXPECT_EQ(gone.GetVoidPtr(ref), nullptr);
+}
+
+// The pool of bodies and blocks is empty again at the end, and a set-up that finds no memory changes nothing.
+TEST(Buffers, MemoryIsGivenBack) {
+    MemPoolStats before, after;
+    MemPoolFindStats("RunTimeStruct", before);
+    {
+        Buffer buffer = bufferOf(layoutOf({{1, c_float}}), 5);
+        Layout const huge = layoutOf({{1, c_vector, 1'000'000}});
+        std::string const bytes = bytesOf(buffer);
+        {
+            HeapLimit const limit(1'000'000);
+            EXPECT_THROW(buffer.Setup(huge), std::bad_alloc);
+        }
+        EXPECT_EQ(bytesOf(buffer), bytes);
+        EXPECT_TRUE(buffer.IsSetup());
+    }
+    MemPoolFindStats("RunTimeStruct", after);
+    EXPECT_EQ(after.liveBlocks, before.liveBlocks);
+}
+
+TEST(Members, AreReadAndWrittenOnlyAsTheyAre) {
+    Buffer buffer = bufferOf(layoutOf({{1, c_bool}, {2, c_float}, {3, c_vector, 2}}));
+    Member<float> const number(Key(2));
+    Member<Math::Vector3f> const vectors(Key(3), 2);
+    Member<bool> const flag(Key(1));
+    EXPECT_TRUE(number.Set(buffer, 1.5f) && vectors.Set(buffer, {1, 2, 3}, 1));
+    std::string const bytes = bytesOf(buffer);
+    float value = 0;
+    Math::Vector3f vector{};
+    EXPECT_TRUE(number.Get(buffer, value) && vectors.Get(buffer, vector, 1));
+    EXPECT_TRUE(value == 1.5f && vector == (Math::Vector3f{1, 2, 3}));
+    static_cast<char *>(buffer.GetData())[0] = 77; // no bool has this byte
+    bool isSet = false;
+    EXPECT_TRUE(flag.Get(buffer, isSet) && isSet);
+    static_cast<char *>(buffer.GetData())[0] = 0;
+
+    int word = 42;
+    EXPECT_FALSE(Member<int>(Key(2)).Get(buffer, word)) << "another type";
+    EXPECT_FALSE(Member<int>(Key(8)).Set(buffer, 1)) << "no such member";
+    EXPECT_FALSE(Member<Math::Vector3f>(Key(3)).Set(buffer, {9, 9, 9})) << "another length";
+    EXPECT_FALSE(vectors.Set(buffer, {9, 9, 9}, 2)) << "behind the last element";
+    EXPECT_FALSE(number.Get(Buffer(), value));
+    EXPECT_EQ(word, 42);
+    EXPECT_EQ(bytesOf(buffer), bytes);
+}
+
+TEST(Copiers, CopyWhatBothLayoutsHave) {
+    Layout const source = layoutOf({{1, c_bool}, {2, c_float}, {3, c_bool, 4}, {4, c_bool, 2}, {5, c_float}});
+    Layout const dest = layoutOf({{9, c_bool}, {3, c_bool, 4}, {4, c_bool, 3}, {5, c_bool}, {1, c_bool}});
+    Copier copier;
+    copier.AddLayout(source, dest); // 5 has another type, 4 another length
+    Buffer const from = bufferOf(source, 'a');
+    Buffer to = bufferOf(dest, '0');
+    for (int i = 0; i < 2; ++i) { // with a new plan and with the known one
+        copier.Copy(from, to);
+        EXPECT_EQ(bytesOf(to), "0fghijk78a");
+        to = bufferOf(dest, '0');
+    }
+    Buffer none;
+    copier.Copy(none, to);
+    copier.Copy(from, none);
+    EXPECT_EQ(bytesOf(to), "0123456789");
+}
+
+TEST(Copiers, AddedRefsMustAgree) {
+    Layout const layout = layoutOf({{1, c_float}, {2, c_float}, {3, c_bool, 4}, {4, c_vector}});
+    Buffer const from = bufferOf(layout, 'a');
+    Buffer to = bufferOf(layout, '0');
+    Copier copier;
+    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(3), c_bool, 4));  // another type
+    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), c_float, 2)); // another size
+    copier.AddRef(Ref(), Ref());
+    EXPECT_TRUE(copier.Empty());
+    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), c_float, 1));
+    copier.Copy(from, to);
+    EXPECT_EQ(bytesOf(to).substr(0, 12), "0123abcd89:;");
+    copier.AddRef(Ref(Key(2), c_float, 1), Ref(Key(1), c_float, 1)); // drops the plan
+    copier.Copy(from, to);
+    EXPECT_EQ(bytesOf(to).substr(0, 12), "efghabcd89:;");
+    copier.Clear();
+    EXPECT_TRUE(copier.Empty());
+    to = bufferOf(layout, '0');
+    copier.Copy(from, to);
+    EXPECT_EQ(bytesOf(to), bytesOf(bufferOf(layout, '0')));
+}
+
+TEST(Copiers, AliasesNameTheSource) {
+    Layout const source = layoutOf({{1, c_bool}, {2, c_bool}, {3, c_float}});
+    Layout const dest = layoutOf({{5, c_bool}, {6, c_bool}, {7, c_bool}, {1, c_bool}});
+    Copier copier;
+    copier.AddAliasedLayout(source, dest,
+                            {{Key(5), Key(2)}, {Key(6), Key(2)}, {Key(7), Key(3)}, {Key(8), Key(1)}});
+    Buffer to = bufferOf(dest, '0');
+    copier.Copy(bufferOf(source, 'a'), to);
+    EXPECT_EQ(bytesOf(to), "bb23") << "one member goes to two places, another type and unnamed ones stay";
+}
+
+// Two pairs of layouts with one identity number and other lengths share a plan: nothing outside of a block is
+// read or written, and what fits is copied.
+TEST(Copiers, PlansOfOtherLengthsStayInsideTheBlocks) {
+    Layout const wide = layoutOf({{1, c_bool, 4}, {2, c_bool, 4}, {3, c_bool, 2}});
+    Layout const narrow = layoutOf({{1, c_bool, 4}, {2, c_bool, 1}, {3, c_bool, 1}});
+    ASSERT_EQ(wide.GetLayoutID(), narrow.GetLayoutID());
+    Copier copier;
+    copier.AddLayout(wide, wide);
+    Buffer to = bufferOf(wide, '0');
+    copier.Copy(bufferOf(wide, 'a'), to);
+    EXPECT_EQ(bytesOf(to), "abcdefghij");
+    Buffer small = bufferOf(narrow, '0');
+    copier.Copy(bufferOf(wide, 'a'), small);
+    EXPECT_EQ(bytesOf(small), "abcd45");
+    to = bufferOf(wide, '0');
+    copier.Copy(bufferOf(narrow, 'a'), to);
+    EXPECT_EQ(bytesOf(to), "abcd456789");
+    // Where the smaller pair made the plan, it copies no more between the larger ones.
+    Copier smaller;
+    smaller.AddLayout(narrow, narrow);
+    smaller.Copy(bufferOf(narrow, 'a'), small);
+    to = bufferOf(wide, '0');
+    smaller.Copy(bufferOf(wide, 'a'), to);
+    EXPECT_EQ(bytesOf(to), "abcdef6789");
+}
