@@ -95,7 +95,13 @@ TEST(SyncDiff, WhatIsNoBlockIsRefusedWithItsLine) {
     std::string deep = block;
     for (int depth = 0; depth < 10'001; ++depth)
         deep += "g: \n{\n";
-    std::pair<std::string, std::string> const c_cases[] = {
+
+    struct Case {
+        std::string text;
+        std::string reason;
+    };
+
+    Case const c_cases[] = {
         {"", "line 0: this is no printed sync block"},
         {std::string("\x7F"
                      "ELF\0\n\xFF",
@@ -104,8 +110,10 @@ TEST(SyncDiff, WhatIsNoBlockIsRefusedWithItsLine) {
         {block + std::string(20'000, 'x'), "line 2: the line is longer than a printed block has"},
         {deep, "line 20003: groups are nested too deep"},
     };
-    for (auto const & [text, reason] : c_cases)
-        EXPECT_NE(ReasonOf([&] { diff(text, text); }).find(reason), std::string::npos) << reason;
+    for (Case const & test : c_cases) {
+        std::string const reason = ReasonOf([&] { diff(test.text, test.text); });
+        EXPECT_NE(reason.find(test.reason), std::string::npos) << reason;
+    }
 }
 
 TEST(SyncDiff, DistancesComeFromTheBitPatterns) {
