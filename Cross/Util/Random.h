@@ -21,8 +21,11 @@ public:
     static constexpr std::uint32_t c_usualRounds = 4;
     static constexpr std::uint32_t c_mostRounds = 20;
 
-    // Seed and index 0. More rounds mix better and take longer; above 20 they count 20.
-    explicit Random(std::uint32_t rounds = c_usualRounds) : rounds(std::min(rounds, c_mostRounds)) {}
+    // Seed and index 0, the usual rounds. Implicit, so that a struct with a generator in it can be set to {}.
+    Random() = default;
+
+    // More rounds mix better and take longer; above 20 they count 20.
+    explicit Random(std::uint32_t rounds) : rounds(std::min(rounds, c_mostRounds)) {}
 
     // Selects the stream and goes to its beginning.
     void SetSeed(std::uint32_t newSeed) {
@@ -119,6 +122,6 @@ private:
 
     std::uint32_t seed = 0;
     std::uint32_t index = 0;
-    std::uint32_t rounds;
+    std::uint32_t rounds = c_usualRounds;
     std::int32_t lockCount = 0;
 };

@@ -71,6 +71,7 @@ TEST(Random, BoundsOfDraws) {
     EXPECT_EQ(random.GetIndex(), 1u);
     EXPECT_EQ(random.GetBits(0), 0u);
     EXPECT_EQ(random.GetBits(-3), 0u);
+    EXPECT_EQ(random.GetIndex(), 3u) << "no bits are a draw too";
     EXPECT_EQ(at(0, 3).GetBits(31), 0x7806D363u);
     EXPECT_EQ(at(1, 99).GetBits(31), 0x266CB41Au);
     EXPECT_EQ(at(0, 3).GetRange(9, 3), 9 + 0x7806D363u % (3u - 9u + 1)) << "a span that is turned round";
@@ -102,7 +103,11 @@ TEST(Random, FillGivesTheNumbersOfSingleDraws) {
 }
 
 TEST(Random, LocksAreCountedAndHoldNothing) {
-    Random random;
+    struct {
+        Random random;
+    } world = {};
+
+    Random & random = world.random;
     random.Unlock();
     random.Lock();
     EXPECT_FALSE(random.IsLocked()) << "one too many was taken before";
