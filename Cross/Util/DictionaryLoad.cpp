@@ -45,8 +45,10 @@ bool DictionaryLoad::Save(ByteStreamProxy & stream, Dictionary const & dictionar
         chunky.WriteString(text);
     });
     chunky.PopChunk();
-    if (!stream->Flush())
+    if (!stream->Flush()) {
+        stream->Discard();
         throw std::runtime_error(std::string(stream->GetStreamName()) + ": the dictionary cannot be written");
+    }
     return true;
 }
 

@@ -1,11 +1,14 @@
 #include "Cross/Util/Dca.h"
 #include "Cross/Util/DictionaryLoad.h"
 
+#include "tests/support/FailingStream.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TraceCapture.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <cstring>
 #include <type_traits>
 
 static_assert(!std::is_constructible_v<dca::Key, Dictionary::Key>,
@@ -51,6 +54,16 @@ void fill(Dictionary & dictionary, std::initializer_list<char const *> texts) {
         dictionary.GetKey(text);
 }
 
+// Asks for a number when the dictionary of the process has been emptied.
+struct LateCaller {
+    ~LateCaller() {
+        if (armed && std::strcmp(dca::GetString(dca::GetKeyForNumber(5)), "5") != 0)
+            std::_Exit(1);
+    }
+
+    bool armed = false;
+} s_lateCaller;
+
 } // namespace
 
 // Runs before anything else asks for a number.
@@ -88,13 +101,24 @@ TEST(Dca, NamesHaveOneSpelling) {
 }
 
 TEST(Dca, UnknownNamesAreNotStored) {
-    dca::Key key = dca::GetKey("known");
-    EXPECT_FALSE(dca::FindKey("never asked for", key));
-    EXPECT_EQ(key, dca::Key::INVALID);
+    for (char const * const name : {"never asked for", static_cast<char const *>(nullptr)}) {
+        dca::Key key = dca::GetKey("known");
+        EXPECT_FALSE(dca::FindKey(name, key));
+        EXPECT_EQ(key, dca::Key::INVALID);
+    }
     Dictionary::Key found;
     EXPECT_FALSE(Dictionary::Instance().FindKey("never asked for", found));
     EXPECT_EQ(dca::GetKey(nullptr), dca::Key::INVALID);
-    EXPECT_FALSE(dca::FindKey(nullptr, key));
+}
+
+TEST(DcaDeathTest, NumbersAreForgottenWithTheDictionaryAtProcessEnd) {
+    EXPECT_EXIT(
+        {
+            dca::GetKeyForNumber(5);
+            s_lateCaller.armed = true;
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "");
 }
 
 // The bytes of a chunk with one entry, behind the file header of a native file.
@@ -144,6 +168,20 @@ TEST(DictionaryLoad, LongTextsAreCut) {
         EXPECT_TRUE(copy.FindKey(std::string(127, 'x').c_str(), key) && copy.FindKey("behind", key))
             << length;
     }
+}
+
+TEST(DictionaryLoad, ASaveThatCannotBeFlushedThrowsAndIsDiscarded) {
+    struct Unflushable : FailingStream {
+        using FailingStream::FailingStream;
+
+        bool Flush() override { return false; }
+    };
+
+    FilledStream memory;
+    auto * const stream = new Unflushable(memory, 1000);
+    ByteStreamProxy proxy(stream);
+    EXPECT_THROW(DictionaryLoad::Save(proxy, Dictionary()), std::exception);
+    EXPECT_TRUE(stream->IsDiscarded());
 }
 
 TEST(DictionaryLoad, DamageThrowsAtEveryLength) {
