@@ -37,7 +37,7 @@ public:
         return data + place;
     }
 
-    // Feeds bytes into the CRC; no entry is made.
+    // Feeds bytes into the CRC; no entry is made. Null is no empty range: as zlib has it, the CRC is 0 then.
     void AddToCRC(void const * bytes, unsigned int size);
 
     // 0 in a new or cleared block.

@@ -51,7 +51,8 @@ void AddEntry(CRCBlock & block, Arguments const &... arguments) {
 }
 
 // Records a value under a name of keyedCRCEntry::s_dictionary. All bytes of the value count, for a fixed
-// string those behind its end too, which are zeros.
+// string those behind its end too, which are zeros. They count as they lie in memory: only machines of one
+// byte order have one CRC.
 template <class T>
 void Record(CRCBlock & block, Dictionary::Key const & key, T const & value, bool keepEntry = true) {
     static_assert(CRCValue<T>, "this type has no text form in the sync log");

@@ -1,13 +1,17 @@
 #include "Cross/Util/CRCRecord.h"
 #include "Cross/Util/Random.h"
 #include "Cross/engine/filesystem/FilePath.h"
+#include "tests/support/CrashFiles.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <bit>
 #include <cstring>
 #include <limits>
+
+#include <malloc.h>
 
 namespace {
 
@@ -120,6 +124,12 @@ TEST_F(SyncLog, CommentsAreCut) {
     }
 }
 
+TEST_F(SyncLog, APrintedFileStaysInTheCrashReport) {
+    std::size_t const before = VisitedCrashFiles().size();
+    Printed(CRCBlock());
+    EXPECT_EQ(VisitedCrashFiles().size(), before + 1);
+}
+
 // A log that cannot be created is not an error, and the depth moves all the same.
 TEST_F(SyncLog, PrintsNothingWithoutAFile) {
     CRCBlock open, close;
@@ -146,6 +156,8 @@ TEST(CRCBlock, TheCRCIsThatOfAllValues) {
     }
     EXPECT_EQ(with.GetCRC(), crcOf(&values, sizeof(values)));
     EXPECT_EQ(without.GetCRC(), with.GetCRC());
+    without.AddToCRC(nullptr, 0);
+    EXPECT_EQ(without.GetCRC(), 0u);
 
     // Equal texts give equal CRCs, whatever stood in the string before.
     CRCBlock fresh, reused;
@@ -175,8 +187,9 @@ TEST_F(SyncLog, CopyLocalTakesTheCRCAndAppendsEntries) {
                                    static_cast<unsigned char>(crc >> 24)};
     EXPECT_EQ(target.GetCRC(), crcOf(bytes, 4));
     target.CopyLocal(target);
-    std::string const text = Printed(target);
-    EXPECT_EQ(text.substr(text.find('\n') + 1), "first\nv: [ 1 ]\nfirst\nv: [ 1 ]\n");
+    target.CopyLocal(target); // the buffer grows while it is copied from
+    std::string const text = Printed(target), once = "first\nv: [ 1 ]\n";
+    EXPECT_EQ(text.substr(text.find('\n') + 1), once + once + once + once);
 }
 
 TEST_F(SyncLog, CopiesAreDeep) {
@@ -192,13 +205,26 @@ TEST_F(SyncLog, CopiesAreDeep) {
     EXPECT_EQ(Printed(assigned), text);
 }
 
-// The buffer has 256 bytes at first, then powers of two, and stays over Clear: addresses tell when it moved.
+// The buffer has 256 bytes at first, then powers of two, and stays over Clear. The heap knows how many; it
+// may add some of its own.
 TEST(CRCBlock, GrowsByPowersOfTwoAndKeepsItsBuffer) {
+    auto const capacityOf = [](void * buffer) { return std::bit_floor(malloc_usable_size(buffer)); };
     CRCBlock block;
     char * const first = static_cast<char *>(block.AllocateEntry(4));
     EXPECT_EQ(block.AllocateEntry(252), first + 4);
+    EXPECT_EQ(capacityOf(first), 256u);
+    char * const grown = static_cast<char *>(block.AllocateEntry(1)) - 256;
+    EXPECT_EQ(capacityOf(grown), 512u);
     block.Clear();
-    EXPECT_EQ(block.AllocateEntry(256), first);
+    EXPECT_EQ(block.AllocateEntry(512), grown);
+    EXPECT_EQ(capacityOf(grown), 512u);
+}
+
+TEST(CRCBlockDeathTest, MoreThan2GiBAreFatal) {
+    CRCBlock block;
+    block.AllocateEntry(256);
+    for (unsigned int const size : {0x7FFFFF01u, 0xFFFFFF80u}) // the second sum does not fit 32 bits
+        EXPECT_DEATH(block.AllocateEntry(size), "CRCBlock: no memory");
 }
 
 // The same in every build: by any compiler, at any optimisation, under sanitizers.
