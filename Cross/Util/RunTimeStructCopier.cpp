@@ -80,13 +80,11 @@ Copier::Plan Copier::makePlan(Buffer const & source, Buffer const & dest) const 
     for (Item const & item : items) {
         LayoutMember const * const from = source.FindMember(item.sourceKey);
         LayoutMember const * const to = dest.FindMember(item.destKey);
-        unsigned int const length = from && to ? std::min(from->length, to->length) : 0;
-        if (length == 0)
+        if (!from || !to)
             continue;
-        Step const step{from->type->GetSize() * length, from->offset, to->offset};
-        // The destination's type may be a smaller one when the refs that were added named another layout.
-        if (std::uint64_t{step.destOffset} + step.size <= dest.GetSize())
-            plan.members.push_back(step);
+        unsigned int const size = from->type->GetSize() * std::min(from->length, to->length);
+        if (size != 0)
+            plan.members.push_back({size, from->offset, to->offset});
     }
     std::stable_sort(plan.members.begin(), plan.members.end(), [](Step const & left, Step const & right) {
         return left.sourceOffset < right.sourceOffset;

@@ -38,8 +38,10 @@ public:
 
     void Clear();
 
-    // Copies what was added, as far as both buffers have it. `dest` must be set up. Buffers whose layouts
-    // differ in nothing but lengths share a plan; what would leave a block is left out then.
+    // Copies what was added, as far as both buffers have it, in the order of the source's members: of two
+    // that go to one place the later one stays. `dest` must be set up. Buffers whose layouts differ in
+    // nothing but lengths share a plan, and the types that refs named are not compared with those of the
+    // layouts; a member that would then leave a block is left out.
     void Copy(Buffer const & source, Buffer & dest);
 
 private:
