@@ -68,6 +68,9 @@ class CROSS_UTIL_API InternalLayout {
 public:
     InternalLayout() = default;
 
+    InternalLayout(InternalLayout const &) = default; // a moved-from body would have a size without members
+    InternalLayout & operator=(InternalLayout const &) = default;
+
     // Bodies come from the pool "RunTimeStruct", as the blocks of buffers do.
     static void * operator new(std::size_t size);
     static void operator delete(void * body);

@@ -140,6 +140,15 @@ TEST(Layouts, HandlesCopyOnWrite) {
     EXPECT_EQ(c.GetInternalLayout().get(), own) << "a body of its own is changed in place";
 }
 
+TEST(Layouts, MovedFromLayoutsStayWhole) {
+    Layout handle = layoutOf({{1, c_float}});
+    InternalLayout body = *handle.GetInternalLayout();
+    InternalLayout const movedBody = static_cast<InternalLayout &&>(body);
+    Layout const movedHandle = static_cast<Layout &&>(handle);
+    EXPECT_TRUE(body == movedBody);
+    EXPECT_EQ(handle.GetInternalLayout(), movedHandle.GetInternalLayout());
+}
+
 TEST(Buffers, NotSetUp) {
     Buffer buffer;
     Ref const ref(Key(1), c_float, 1);
