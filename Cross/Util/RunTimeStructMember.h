@@ -19,7 +19,7 @@
 
 namespace RunTimeStruct {
 
-// The library's type of a C++ type. A program that has types of its own adds an overload beside them.
+// The library's type of a C++ type. A program adds overloads for its own types, in the namespace of each.
 inline TypeInfo const * TypeInfoOf(float const *) { return GetTypeInfo_float(); }
 
 inline TypeInfo const * TypeInfoOf(int const *) { return GetTypeInfo_int(); }
@@ -52,7 +52,7 @@ public:
     Ref const & GetRef() const { return ref; }
 
     // Whether the buffer has this member, of this type and length.
-    bool IsIn(Buffer const & buffer) const { return find(buffer, 0) != nullptr; }
+    bool IsIn(Buffer const & buffer) const { return find(buffer) != nullptr; }
 
     // Reads an element. False, and `value` stays, when the buffer does not have it.
     bool Get(Buffer const & buffer, T & value, unsigned int index = 0) const {

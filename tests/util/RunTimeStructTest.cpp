@@ -236,7 +236,7 @@ TEST(Buffers, MemoryIsGivenBack) {
 }
 
 TEST(Members, AreReadAndWrittenOnlyAsTheyAre) {
-    Buffer buffer = bufferOf(layoutOf({{1, c_bool}, {2, c_float}, {3, c_vector, 2}}));
+    Buffer buffer = bufferOf(layoutOf({{1, c_bool}, {2, c_float}, {3, c_vector, 2}, {4, c_float, 0}}));
     Member<float> const number(Key(2));
     Member<Math::Vector3f> const vectors(Key(3), 2);
     Member<bool> const flag(Key(1));
@@ -257,6 +257,8 @@ TEST(Members, AreReadAndWrittenOnlyAsTheyAre) {
     EXPECT_FALSE(Member<Math::Vector3f>(Key(3)).Set(buffer, {9, 9, 9})) << "another length";
     EXPECT_FALSE(vectors.Set(buffer, {9, 9, 9}, 2)) << "behind the last element";
     EXPECT_FALSE(number.Get(Buffer(), value));
+    Member<float> const empty(Key(4), 0);
+    EXPECT_TRUE(empty.IsIn(buffer) && !empty.Set(buffer, 9)) << "there, without elements";
     EXPECT_EQ(word, 42);
     EXPECT_EQ(bytesOf(buffer), bytes);
 }
