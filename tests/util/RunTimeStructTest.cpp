@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstring>
 #include <string>
 
 using namespace RunTimeStruct;
@@ -100,13 +101,14 @@ TEST(Layouts, IdentityNumber) {
     layout.ClearAllMembers();
     EXPECT_EQ(layout.GetLayoutID(), 0u);
 
-    Layout const one = layoutOf({{1, c_bool}, {2, c_float}}), same = layoutOf({{1, c_bool}, {2, c_float}});
-    Layout const turned = layoutOf({{2, c_float}, {1, c_bool}}),
-                 longer = layoutOf({{1, c_bool}, {2, c_float, 2}});
+    Layout const one = layoutOf({{1, c_bool, 5}, {2, c_float}}),
+                 same = layoutOf({{1, c_bool, 5}, {2, c_float}}),
+                 turned = layoutOf({{2, c_float}, {1, c_bool, 5}}),
+                 otherLengths = layoutOf({{1, c_bool}, {2, c_float, 2}}); // of the same size in all
     EXPECT_TRUE(*one.GetInternalLayout() == *same.GetInternalLayout());
     EXPECT_FALSE(*one.GetInternalLayout() == *turned.GetInternalLayout());
-    EXPECT_FALSE(*one.GetInternalLayout() == *longer.GetInternalLayout());
-    EXPECT_EQ(one.GetLayoutID(), longer.GetLayoutID());
+    EXPECT_FALSE(*one.GetInternalLayout() == *otherLengths.GetInternalLayout());
+    EXPECT_EQ(one.GetLayoutID(), otherLengths.GetLayoutID());
 }
 
 TEST(Layouts, RefusedMembersChangeNothing) {
@@ -210,15 +212,16 @@ TEST(Buffers, RefsRememberOneLayout) {
     EXPECT_EQ(ref.GetLastOffset(), 0xFFFFFFFFu);
     EXPECT_EQ(ref.GetLastLayoutID(), without.GetLayoutID());
     EXPECT_EQ(without.GetVoidPtr(ref), nullptr);
+    ref.UpdateLast(a.GetLayoutID(), 3);
+    EXPECT_EQ(at(a), 3) << "what is remembered is not searched again";
     Buffer gone = a;
-    at(a);
     gone.Reset();
     EXPECT_EQ(gone.GetVoidPtr(ref), nullptr);
 }
 
 // The pool of bodies and blocks is empty again at the end, and a set-up that finds no memory changes nothing.
 TEST(Buffers, MemoryIsGivenBack) {
-    MemPoolStats before, after;
+    MemPoolStats before, during, after;
     MemPoolFindStats("RunTimeStruct", before);
     {
         Buffer buffer = bufferOf(layoutOf({{1, c_float}}), 5);
@@ -230,6 +233,8 @@ TEST(Buffers, MemoryIsGivenBack) {
         }
         EXPECT_EQ(bytesOf(buffer), bytes);
         EXPECT_TRUE(buffer.IsSetup());
+        MemPoolFindStats("RunTimeStruct", during);
+        EXPECT_EQ(during.liveBlocks, before.liveBlocks + 3) << "two bodies and a block";
     }
     MemPoolFindStats("RunTimeStruct", after);
     EXPECT_EQ(after.liveBlocks, before.liveBlocks);
@@ -265,20 +270,48 @@ TEST(Members, AreReadAndWrittenOnlyAsTheyAre) {
 
 TEST(Copiers, CopyWhatBothLayoutsHave) {
     Layout const source = layoutOf({{1, c_bool}, {2, c_float}, {3, c_bool, 4}, {4, c_bool, 2}, {5, c_float}});
-    Layout const dest = layoutOf({{9, c_bool}, {3, c_bool, 4}, {4, c_bool, 3}, {5, c_bool}, {1, c_bool}});
+    Layout const dest = layoutOf({{9, c_bool}, {3, c_bool, 3}, {5, c_bool}, {4, c_bool, 3}, {1, c_bool}});
     Copier copier;
-    copier.AddLayout(source, dest); // 5 has another type, 4 another length
+    copier.AddLayout(source, dest); // 5 has another type; the lengths of 3 and 4 differ both ways
     Buffer const from = bufferOf(source, 'a');
     Buffer to = bufferOf(dest, '0');
     for (int i = 0; i < 2; ++i) { // with a new plan and with the known one
         copier.Copy(from, to);
-        EXPECT_EQ(bytesOf(to), "0fghijk78a");
+        EXPECT_EQ(bytesOf(to), "0fgh4jk7a");
         to = bufferOf(dest, '0');
     }
     Buffer none;
     copier.Copy(none, to);
     copier.Copy(from, none);
-    EXPECT_EQ(bytesOf(to), "0123456789");
+    EXPECT_EQ(bytesOf(to), "012345678");
+}
+
+// Each pair of layouts, in each direction, has its plan; a key that a layout lacks is skipped.
+TEST(Copiers, PlansBelongToPairs) {
+    Buffer const forward = bufferOf(layoutOf({{1, c_bool}, {2, c_bool}}), 'a');
+    Buffer const backward = bufferOf(layoutOf({{2, c_bool}, {1, c_bool}}), 'a');
+    Buffer const lacking = bufferOf(layoutOf({{2, c_bool}}), 'a');
+
+    struct Case {
+        Buffer const & from;
+        Buffer const & to;
+        char const * expected;
+    };
+
+    Case const c_cases[] = {
+        {forward, forward, "ab"},  {forward, backward, "ba"}, {backward, backward, "ab"},
+        {backward, forward, "ba"}, {forward, lacking, "b"},   {lacking, forward, "-a"},
+    };
+    Copier copier;
+    for (unsigned int key = 1; key <= 2; ++key)
+        copier.AddRef(Ref(Key(key), c_bool, 1), Ref(Key(key), c_bool, 1));
+    for (int round = 0; round < 2; ++round)
+        for (Case const & test : c_cases) {
+            Buffer to = test.to;
+            std::memset(to.GetData(), '-', to.GetSize());
+            copier.Copy(test.from, to);
+            EXPECT_EQ(bytesOf(to), test.expected) << &test - c_cases;
+        }
 }
 
 TEST(Copiers, AddedRefsMustAgree) {
@@ -286,7 +319,8 @@ TEST(Copiers, AddedRefsMustAgree) {
     Buffer const from = bufferOf(layout, 'a');
     Buffer to = bufferOf(layout, '0');
     Copier copier;
-    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(3), c_bool, 4));  // another type
+    TypeInfo const twin("float", 4); // a type is its object, whatever its name and size
+    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), &twin, 1));   // another type
     copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), c_float, 2)); // another size
     copier.AddRef(Ref(), Ref());
     EXPECT_TRUE(copier.Empty());
@@ -301,6 +335,10 @@ TEST(Copiers, AddedRefsMustAgree) {
     to = bufferOf(layout, '0');
     copier.Copy(from, to);
     EXPECT_EQ(bytesOf(to), bytesOf(bufferOf(layout, '0')));
+    for (unsigned int key = 2; key >= 1; --key) // both to one place
+        copier.AddRef(Ref(Key(key), c_float, 1), Ref(Key(1), c_float, 1));
+    copier.Copy(from, to);
+    EXPECT_EQ(bytesOf(to).substr(0, 4), "efgh") << "copies go by their place in the source";
 }
 
 TEST(Copiers, AliasesNameTheSource) {
