@@ -5,6 +5,7 @@
 #include "Cross/engine/filesystem/RamStream.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
+#include "fuzz/LimitedScript.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,8 +17,6 @@
 
 namespace {
 
-constexpr int c_maxInstructions = 20000;
-constexpr std::size_t c_maxMemory = std::size_t{16} << 20;
 constexpr unsigned int c_maxSave = 1u << 20;
 constexpr int c_maxDepth = 12;
 
@@ -35,58 +34,6 @@ public:
 
     std::string_view Text() { return {static_cast<char const *>(GetBuffer()), GetLen()}; }
 };
-
-// What the scripts of one state may use up, and Lua's allocator when they may not.
-class Limits {
-public:
-    explicit Limits(lua_State * L) : L(L) {
-        normal = lua_getallocf(L, &normalContext);
-        lua_setallocf(L, allocate, this);
-        lua_sethook(L, stop, LUA_MASKCOUNT, c_maxInstructions);
-    }
-
-    Limits(Limits const &) = delete;
-    Limits & operator=(Limits const &) = delete;
-
-    ~Limits() {
-        lua_sethook(L, nullptr, 0, 0);
-        lua_setallocf(L, normal, normalContext);
-    }
-
-private:
-    static void * allocate(void * context, void * block, std::size_t oldSize, std::size_t newSize) {
-        auto & limits = *static_cast<Limits *>(context);
-        if (newSize > oldSize && limits.used + (newSize - oldSize) > c_maxMemory)
-            return nullptr;
-        limits.used += newSize - oldSize; // wraps below 0 and back, for blocks from before
-        return limits.normal(limits.normalContext, block, oldSize, newSize);
-    }
-
-    // From now on every instruction is an error, so that no pcall keeps the script running.
-    static void stop(lua_State * L, lua_Debug *) {
-        lua_sethook(L, stop, LUA_MASKCOUNT, 1);
-        luaL_error(L, "too many instructions");
-    }
-
-    lua_State * L;
-    lua_Alloc normal;
-    void * normalContext = nullptr;
-    std::size_t used = std::size_t{1} << 20; // above what a new state can give back
-};
-
-// Functions whose own loops no count of instructions stops, and the one that writes to the terminal.
-void hideLibraries(lua_State * L) {
-    lua_getmetatable(L, LUA_GLOBALSINDEX);
-    lua_getfield(L, -1, "__index");
-    for (char const * name : {LUA_STRLIBNAME, LUA_TABLIBNAME, "print"}) {
-        lua_pushnil(L);
-        lua_setfield(L, -2, name);
-    }
-    lua_pushliteral(L, "");
-    lua_pushnil(L);
-    lua_setmetatable(L, -2);
-    lua_pop(L, 3);
-}
 
 void readField(LuaConfig & config, char const * name) {
     double number = 0;
@@ -133,11 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
 
     LuaConfig config("fuzz", false);
     lua_State * const L = config.GetState();
-    hideLibraries(L);
-    {
-        Limits const limits(L);
-        LuaConfigSave::LoadLua(config, source);
-    }
+    LoadLimited(config, source);
     check(lua_gettop(L) == 1);
 
     SmallStream first;

@@ -42,6 +42,8 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddTableVerbs(app, job);
     AddScriptVerbs(app, job);
     AddSyncVerbs(app, job);
+    AddConfigVerbs(app, job);
+    AddSettingsVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {

@@ -1,12 +1,9 @@
+#include "tools/AddVerb.h"
 #include "tools/InputFile.h"
 #include "tools/Quote.h"
-#include "tools/Verbs.h"
 #include "tools/syncdiff/SyncDiff.h"
 
-#include <CLI/CLI.hpp>
-
 #include <algorithm>
-#include <memory>
 #include <ostream>
 
 namespace {
@@ -100,12 +97,8 @@ void AddSyncVerbs(CLI::App & app, Job & job) {
     sync.footer("Example: crosstool sync diff left.txt right.txt");
     CLI::App & verb = *sync.add_subcommand(
         "diff", "Find the first value in which two printed sync blocks differ; 1 for a difference");
-    auto const arguments = std::make_shared<DiffArguments>();
-    verb.add_option("A", arguments->files[0], "The block whose values come first")
-        ->required()
-        ->option_text(" ");
-    verb.add_option("B", arguments->files[1], "The block to compare it with")->required()->option_text(" ");
+    auto const arguments = AddVerb(verb, job, diff);
+    AddFile(verb, "A", arguments->files[0], "The block whose values come first");
+    AddFile(verb, "B", arguments->files[1], "The block to compare it with");
     verb.footer("Example: crosstool sync diff left.txt right.txt");
-    verb.callback(
-        [&job, arguments] { job = [arguments](Output const & output) { return diff(*arguments, output); }; });
 }

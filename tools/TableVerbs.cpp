@@ -1,17 +1,14 @@
+#include "tools/AddVerb.h"
 #include "tools/InputFile.h"
 #include "tools/TableDiff.h"
 #include "tools/TableFile.h"
 #include "tools/TableView.h"
-#include "tools/Verbs.h"
 #include "tools/tablesource/TableSource.h"
 
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 
-#include <CLI/CLI.hpp>
-
 #include <filesystem>
-#include <memory>
 #include <ostream>
 
 namespace {
@@ -152,17 +149,6 @@ ExitCode diff(DiffArguments const & arguments, Output const & output) {
     return exitFinding;
 }
 
-// Adds a verb that runs `work` with arguments of its own, which live as long as the job.
-template <class Arguments>
-std::shared_ptr<Arguments> addVerb(CLI::App & verb, Job & job,
-                                   ExitCode (*work)(Arguments const &, Output const &)) {
-    auto const arguments = std::make_shared<Arguments>();
-    verb.callback([&job, work, arguments] {
-        job = [work, arguments](Output const & output) { return work(*arguments, output); };
-    });
-    return arguments;
-}
-
 void addNames(CLI::App & verb, std::string & names) {
     verb.add_option("--names", names,
                     "A text file with one field name a line, to show names in place of keys")
@@ -171,11 +157,9 @@ void addNames(CLI::App & verb, std::string & names) {
 
 void addBuild(CLI::App & table, Job & job) {
     CLI::App & verb = *table.add_subcommand("build", "Build a table file from a Lua source");
-    auto const arguments = addVerb(verb, job, build);
-    verb.add_option("IN", arguments->source, "The source; docs/table-source.md tells its notation")
-        ->required()
-        ->option_text(" ");
-    verb.add_option("OUT", arguments->target, "The table file to write")->required()->option_text(" ");
+    auto const arguments = AddVerb(verb, job, build);
+    AddFile(verb, "IN", arguments->source, "The source; docs/table-source.md tells its notation");
+    AddFile(verb, "OUT", arguments->target, "The table file to write");
     verb.add_option("--names", arguments->names, "Also write the names of all fields, for dump and diff")
         ->option_text("FILE");
     verb.footer("Example: crosstool table build tank.lua tank.tbl --names tank.names");
@@ -183,8 +167,8 @@ void addBuild(CLI::App & table, Job & job) {
 
 void addDump(CLI::App & table, Job & job) {
     CLI::App & verb = *table.add_subcommand("dump", "Print the contents of a table file");
-    auto const arguments = addVerb(verb, job, dump);
-    verb.add_option("FILE", arguments->file, "The table file")->required()->option_text(" ");
+    auto const arguments = AddVerb(verb, job, dump);
+    AddFile(verb, "FILE", arguments->file, "The table file");
     addNames(verb, arguments->names);
     verb.add_flag("--json", arguments->asJson, "Print JSON; malformed text shows U+FFFD");
     verb.footer("Example: crosstool table dump tank.tbl --names tank.names --json");
@@ -192,29 +176,25 @@ void addDump(CLI::App & table, Job & job) {
 
 void addVerify(CLI::App & table, Job & job) {
     CLI::App & verb = *table.add_subcommand("verify", "Check a table file to the last byte; 1 for damage");
-    auto const file = addVerb(verb, job, verify);
-    verb.add_option("FILE", *file, "The table file")->required()->option_text(" ");
+    auto const file = AddVerb(verb, job, verify);
+    AddFile(verb, "FILE", *file, "The table file");
     verb.footer("Example: crosstool table verify tank.tbl");
 }
 
 void addCrc(CLI::App & table, Job & job) {
     CLI::App & verb =
         *table.add_subcommand("crc", "Print the CRC that identifies the contents of a table file");
-    auto const file = addVerb(verb, job, crc);
-    verb.add_option("FILE", *file, "The table file")->required()->option_text(" ");
+    auto const file = AddVerb(verb, job, crc);
+    AddFile(verb, "FILE", *file, "The table file");
     verb.footer("Example: crosstool table crc tank.tbl");
 }
 
 void addDiff(CLI::App & table, Job & job) {
     CLI::App & verb =
         *table.add_subcommand("diff", "Compare two table files field by field; 1 for a difference");
-    auto const arguments = addVerb(verb, job, diff);
-    verb.add_option("A", arguments->first, "The table file whose values come first")
-        ->required()
-        ->option_text(" ");
-    verb.add_option("B", arguments->second, "The table file to compare it with")
-        ->required()
-        ->option_text(" ");
+    auto const arguments = AddVerb(verb, job, diff);
+    AddFile(verb, "A", arguments->first, "The table file whose values come first");
+    AddFile(verb, "B", arguments->second, "The table file to compare it with");
     addNames(verb, arguments->names);
     verb.footer("Example: crosstool table diff old/tank.tbl new/tank.tbl --names tank.names");
 }

@@ -3,6 +3,7 @@
 #include "Cross/Util/AttributesShared.h"
 #include "Cross/Util/BinaryConfig.h"
 #include "Cross/Util/NameHash.h"
+#include "Cross/engine/core/Saturate.h"
 
 AttributesBinary::AttributesBinary(BinaryConfig & config, char const * debugName)
     : AttributesInterface(debugName), config(&config) {
@@ -39,7 +40,7 @@ bool AttributesBinary::GetNumber(char const * name, int & value) const {
     float number;
     if (!config->GetNumber(key, number))
         return false;
-    value = attributes::ToInt(number);
+    value = SaturateTo<int>(number);
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "Cross/Util/AttributesLua.h"
 
 #include "Cross/Util/AttributesShared.h"
+#include "Cross/engine/core/Saturate.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 
 namespace {
@@ -56,7 +57,7 @@ bool AttributesLua::GetNumber(char const * name, int & value) const {
     double number;
     if (!config->GetNumber(name, number))
         return false;
-    value = attributes::ToInt(number);
+    value = SaturateTo<int>(number);
     return true;
 }
 

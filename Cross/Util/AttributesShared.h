@@ -5,20 +5,7 @@
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/diagnostics/Warning.h"
 
-#include <limits>
-
 namespace attributes {
-
-// Cuts the fraction; saturates at the ends of int, NaN gives 0.
-inline int ToInt(double value) {
-    constexpr int c_min = std::numeric_limits<int>::min();
-    constexpr int c_max = std::numeric_limits<int>::max();
-    if (value != value)
-        return 0;
-    if (value <= c_min)
-        return c_min;
-    return value >= c_max ? c_max : static_cast<int>(value);
-}
 
 // The lower bound is tested first and alone decides for a value below it, also when the bounds are the wrong
 // way round. NaN stays.

@@ -1,5 +1,6 @@
 #include "Cross/Util/ConfigFile.h"
 
+#include "Cross/Util/ConfigFileLines.h"
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Utf.h"
 #include "Cross/engine/diagnostics/Trace.h"
@@ -13,34 +14,34 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <tuple>
 #include <utility>
 
 namespace {
 
-constexpr std::size_t c_longestLine = 1023;
-constexpr std::size_t c_longestName = 255; // of a key or a section, as callers give it
+using configlines::c_lineEnd;
+using configlines::c_longestName;
+
 constexpr std::size_t c_longestText = 2047;
 constexpr std::size_t c_longestNumber = 31;
-constexpr std::string_view c_lineEnd = "\r\n";
 
-std::string lowerCased(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char c) { return text::ToLower(c); });
-    return lower;
-}
+// A name in lower case, as it is stored and looked up. Of what callers give only the first characters count.
+class LowerCased {
+public:
+    explicit LowerCased(std::string_view name) : size(name.size()) {
+        std::transform(name.begin(), name.end(), text.begin(), [](char c) { return text::ToLower(c); });
+    }
 
-// A key as it is looked up.
-std::string keyOf(char const * key) { return lowerCased(std::string_view(key).substr(0, c_longestName)); }
+    static LowerCased Key(char const * key) {
+        return LowerCased(std::string_view(key, strnlen(key, c_longestName)));
+    }
 
-bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+    operator std::string_view() const { return {text.data(), size}; }
 
-std::string_view trimmed(std::string_view text) {
-    while (!text.empty() && isBlank(text.front()))
-        text.remove_prefix(1);
-    while (!text.empty() && isBlank(text.back()))
-        text.remove_suffix(1);
-    return text;
-}
+private:
+    std::array<char, configlines::c_longestLine> text;
+    std::size_t size;
+};
 
 // What a line of a file cannot hold in a key or a value.
 bool isUnwritable(std::string_view text) {
@@ -50,35 +51,17 @@ bool isUnwritable(std::string_view text) {
 
 bool isMissing(char const * key) { return !key || !*key; }
 
-// The lines of a stream, each at most c_longestLine bytes, without their ends.
-class LineReader {
-public:
-    explicit LineReader(ByteStream & stream) : stream(stream) {}
-
-    bool Next(std::string_view & line) {
-        if (end - begin < c_longestLine)
-            refill();
-        std::string_view const window(buffer.data() + begin, std::min(end - begin, c_longestLine));
-        std::size_t const length = std::min(window.find(c_lineEnd), window.size());
-        line = window.substr(0, length);
-        begin += std::min(length + c_lineEnd.size(), window.size());
-        return !window.empty();
-    }
-
-private:
-    void refill() {
-        std::memmove(buffer.data(), buffer.data() + begin, end - begin);
-        end -= std::exchange(begin, 0);
-        unsigned int count = 1;
-        for (; count > 0 && end < buffer.size(); end += count)
-            count = stream.Read(buffer.data() + end, static_cast<unsigned int>(buffer.size() - end));
-    }
-
-    ByteStream & stream;
-    std::array<char, 16 * 1024> buffer;
-    std::size_t begin = 0;
-    std::size_t end = 0;
-};
+// Adds an entry; one that stands already stays.
+template <class Map>
+auto & insertOnce(Map & map, std::string_view name, auto &&... value) {
+    auto const place = map.lower_bound(name);
+    if (place != map.end() && place->first == name)
+        return place->second;
+    return map
+        .emplace_hint(place, std::piecewise_construct, std::forward_as_tuple(name),
+                      std::forward_as_tuple(value...))
+        ->second;
+}
 
 } // namespace
 
@@ -102,6 +85,7 @@ bool ConfigFile::Load(char16_t const * path) {
 
 bool ConfigFile::Load(ByteStream * stream) {
     sections.clear();
+    arena.release();
     currentSection.clear();
     loaded = false;
     if (stream)
@@ -137,13 +121,14 @@ char const * ConfigFile::GetSectionAt(unsigned int index) const {
 }
 
 bool ConfigFile::SetSection(char const * section, char * previous, unsigned int previousSize) const {
-    std::string const wanted = lowerCased(section ? section : ""); // `previous` may be where it stands
+    std::string const wanted = section ? section : ""; // `previous` may be where it stands
     if (previous)
         text::CopyCut(previous, previousSize, currentSection.c_str());
     if (!section || wanted.size() > c_longestName)
         return false;
-    bool const exists = sections.contains(wanted);
-    currentSection = exists ? wanted : "";
+    LowerCased const name(wanted);
+    bool const exists = sections.contains(name);
+    currentSection = exists ? std::string_view(name) : std::string_view();
     return exists;
 }
 
@@ -162,7 +147,7 @@ char const * ConfigFile::GetKeyAt(unsigned int index) const {
 bool ConfigFile::GetString(char const * key, char * value, unsigned int size) const {
     if (isMissing(key) || !value || size == 0)
         return false;
-    std::string const * const stored = find(key); // `value` may be where the key stands
+    std::pmr::string const * const stored = find(key); // `value` may be where the key stands
     value[0] = 0;
     if (!stored || stored->size() >= size)
         return false;
@@ -171,9 +156,9 @@ bool ConfigFile::GetString(char const * key, char * value, unsigned int size) co
 }
 
 bool ConfigFile::GetString(char const * key, std::string & value) const {
-    std::string const * const stored = isMissing(key) ? nullptr : find(key);
+    std::pmr::string const * const stored = isMissing(key) ? nullptr : find(key);
     bool const fits = stored && stored->size() <= c_longestText;
-    value = fits ? *stored : std::string();
+    value = fits ? std::string_view(*stored) : std::string_view();
     return fits;
 }
 
@@ -181,7 +166,7 @@ bool ConfigFile::GetInt(char const * key, int & value) const {
     if (isMissing(key))
         return false;
     value = 0;
-    std::string const * const stored = find(key);
+    std::pmr::string const * const stored = find(key);
     if (!stored || stored->size() > c_longestNumber)
         return false;
     char * end = nullptr;
@@ -196,7 +181,7 @@ bool ConfigFile::GetInt(char const * key, int & value) const {
 bool ConfigFile::SetString(char const * key, char const * value) {
     if (isMissing(key) || !value || isUnwritable(key) || isUnwritable(value))
         return false;
-    sections[currentSection][keyOf(key)] = value;
+    insertOnce(insertOnce(sections, currentSection), LowerCased::Key(key)) = value;
     return true;
 }
 
@@ -204,35 +189,30 @@ bool ConfigFile::SetInt(char const * key, int value) { return SetString(key, std
 
 bool ConfigFile::Remove(char const * key) {
     auto const section = sections.find(currentSection);
-    return !isMissing(key) && section != sections.end() && section->second.erase(keyOf(key)) > 0;
+    if (isMissing(key) || section == sections.end())
+        return false;
+    auto const entry = section->second.find(LowerCased::Key(key));
+    if (entry == section->second.end())
+        return false;
+    section->second.erase(entry);
+    return true;
 }
 
 void ConfigFile::readLines(ByteStream & stream) {
-    LineReader reader(stream);
+    configlines::Reader reader(stream);
     Section * section = nullptr;
-    std::string firstSection;
-    for (std::string_view line; reader.Next(line);)
-        parseLine(trimmed(line), section, firstSection);
-    loaded = section != nullptr;
-    currentSection = firstSection;
-}
-
-// `section` receives the keys, null before the first header, whose name goes to `firstSection`.
-void ConfigFile::parseLine(std::string_view line, Section *& section, std::string & firstSection) {
-    if (line.empty() || line.front() == ';')
-        return;
-    if (line.front() == '[') {
-        if (line.back() != ']')
-            return;
-        std::string const name = lowerCased(trimmed(line.substr(1, line.size() - 2)));
-        if (!section)
-            firstSection = name;
-        section = &sections[name];
-        return;
+    for (std::string_view text; reader.Next(text);) {
+        configlines::Line const line = configlines::Parse(text);
+        if (line.kind == configlines::Kind::header) {
+            LowerCased const name(line.name);
+            if (!section)
+                currentSection = name;
+            section = &insertOnce(sections, name);
+        } else if (line.kind == configlines::Kind::entry && section) {
+            insertOnce(*section, LowerCased(line.name), line.value);
+        }
     }
-    std::size_t const equals = line.find('=');
-    if (section && equals != 0 && equals != std::string_view::npos)
-        section->emplace(lowerCased(trimmed(line.substr(0, equals))), trimmed(line.substr(equals + 1)));
+    loaded = section != nullptr;
 }
 
 ConfigFile::Section const * ConfigFile::current() const {
@@ -240,10 +220,10 @@ ConfigFile::Section const * ConfigFile::current() const {
     return found == sections.end() ? nullptr : &found->second;
 }
 
-std::string const * ConfigFile::find(char const * key) const {
+std::pmr::string const * ConfigFile::find(char const * key) const {
     Section const * const section = current();
     if (!section)
         return nullptr;
-    auto const found = section->find(keyOf(key));
+    auto const found = section->find(LowerCased::Key(key));
     return found == section->end() ? nullptr : &found->second;
 }

@@ -16,6 +16,7 @@
 #include "Cross/engine/core/Export.h"
 
 #include <map>
+#include <memory_resource>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ class CROSS_UTIL_API ConfigFile {
 public:
     // Empty, then Load of the name; null loads nothing.
     explicit ConfigFile(char const * filename = nullptr);
+    ConfigFile(ConfigFile const &) = delete;
+    ConfigFile & operator=(ConfigFile const &) = delete;
 
     // Replace all content by that of a file (a UTF-8 or a wide path) or of the rest of a stream. False, with
     // the object empty, when it cannot be opened or has no section header. A null filename changes nothing
@@ -82,15 +85,21 @@ public:
     bool Remove(char const * key);
 
 private:
-    using Section = std::map<std::string, std::string>;
+    struct ByteOrder {
+        using is_transparent = void;
+
+        bool operator()(std::string_view left, std::string_view right) const { return left < right; }
+    };
+
+    using Section = std::pmr::map<std::pmr::string, std::pmr::string, ByteOrder>;
 
     void readLines(ByteStream & stream);
-    void parseLine(std::string_view line, Section *& section, std::string & firstSection);
     Section const * current() const;
-    std::string const * find(char const * key) const;
+    std::pmr::string const * find(char const * key) const;
 
     std::u16string filename;
     bool loaded = false;
     mutable std::string currentSection;
-    std::map<std::string, Section> sections;
+    std::pmr::unsynchronized_pool_resource arena; // of all content
+    std::pmr::map<std::pmr::string, Section, ByteOrder> sections{&arena};
 };
