@@ -6,11 +6,6 @@
 
 namespace {
 
-bool writeWhole(char const * path, char const * content) {
-    ByteStreamProxy const stream = FilePath::OpenStream(path, c_streamWrite);
-    return stream && BSWriteText(*stream, content, false);
-}
-
 // A save that is given up half-way leaves the old file.
 bool discardKeepsOld(char const * path) {
     ByteStreamProxy const stream = FilePath::OpenStream(path, c_streamWrite);
@@ -37,7 +32,7 @@ void CheckFiles(Report & report) {
     report.Begin("files");
     char const * const path = "SCRATCH:notes/today.txt";
 
-    report.Expect(writeWhole(path, "first"), "a new file is written, with its folder");
+    report.Expect(WriteWholeFile(path, "first"), "a new file is written, with its folder");
     report.Expect(ReadWholeFile("scratch:NOTES\\Today.TXT") == "first",
                   "a name is found whatever its case and slashes");
     report.Evidence("names are found whatever their case");
@@ -56,7 +51,7 @@ void CheckFiles(Report & report) {
 
     ChangeCounter changes;
     FilePath::AttachFileChangeNotification("SCRATCH:notes", &changes);
-    writeWhole(path, "second");
+    WriteWholeFile(path, "second");
     FilePath::PumpFileChanges();
     FilePath::DetachFileChangeNotification(&changes, nullptr);
     report.Expect(changes.count == 1,

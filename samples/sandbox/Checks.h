@@ -17,6 +17,8 @@ void CheckLogs(Report & report, std::vector<Asset> const & assets);
 void CheckInventory(Report & report, Game & game);
 void CheckReload(Report & report, Game & game);
 void CheckScripts(Report & report);
+void CheckSettings(Report & report, Game const & game);
+void CheckConfigFiles(Report & report);
 void CheckRecords(Report & report);
 
 // Changes one bit in one of two worlds at the start of a frame, counted from 1.

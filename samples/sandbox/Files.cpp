@@ -10,3 +10,9 @@ std::string ReadWholeFile(char const * path) {
     content.resize(stream->Read(content.data(), stream->GetLen()));
     return content;
 }
+
+bool WriteWholeFile(char const * path, std::string const & content) {
+    ByteStreamProxy const stream = FilePath::OpenStream(path, c_streamWrite);
+    auto const size = static_cast<unsigned int>(content.size());
+    return stream && stream->Write(content.data(), size) == size && stream->Flush();
+}

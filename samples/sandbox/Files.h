@@ -4,3 +4,7 @@
 
 // The whole content of a file by its aliased path; "" when it does not open.
 std::string ReadWholeFile(char const * path);
+
+// Replaces a file by its aliased path, or makes it, with the folders above it. False when it cannot be
+// written.
+bool WriteWholeFile(char const * path, std::string const & content);

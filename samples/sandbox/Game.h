@@ -5,14 +5,19 @@
 #include "samples/inventory/Inventory.h"
 #include "samples/sandbox/Assets.h"
 #include "samples/sandbox/GameAssets.h"
+#include "samples/sandbox/GameSettings.h"
+#include "samples/sandbox/Simulation.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
 struct Game {
     Game() : weapons(journal), units(journal, weapons) {}
 
-    std::vector<Asset> assets; // all that the data folder holds
+    Simulation world{1, 0};               // its units follow the settings
+    std::optional<GameSettings> settings; // while the game runs
+    std::vector<Asset> assets;            // all that the data folder holds
     LoadJournal journal;
     WeaponKind weapons;
     UnitKind units;

@@ -52,19 +52,25 @@ Vector2f stepAlong(float heading) {
 
 Simulation::Simulation(std::uint32_t seed, unsigned int unitCount) {
     random.SetSeed(seed);
-    for (unsigned int i = 0; i < unitCount; ++i) {
-        RunTimeStruct::Buffer unit;
-        unit.Setup(UnitLayout());
-        auto const coordinate = [this] {
-            return static_cast<float>(random.GetUnitExclusive()) * c_worldSize;
-        };
-        float const x = coordinate();
-        members().pos.Set(unit, {x, coordinate()});
-        members().heading.Set(unit, static_cast<float>(random.GetUnitExclusive()));
-        members().health.Set(unit, static_cast<int>(random.GetRange(50, 100)));
-        members().alive.Set(unit, true);
-        units.push_back(unit);
-    }
+    SetUnitCount(unitCount);
+}
+
+void Simulation::SetUnitCount(unsigned int count) {
+    while (units.size() < count)
+        units.push_back(newUnit());
+    units.resize(count);
+}
+
+RunTimeStruct::Buffer Simulation::newUnit() {
+    RunTimeStruct::Buffer unit;
+    unit.Setup(UnitLayout());
+    auto const coordinate = [this] { return static_cast<float>(random.GetUnitExclusive()) * c_worldSize; };
+    float const x = coordinate();
+    members().pos.Set(unit, {x, coordinate()});
+    members().heading.Set(unit, static_cast<float>(random.GetUnitExclusive()));
+    members().health.Set(unit, static_cast<int>(random.GetRange(50, 100)));
+    members().alive.Set(unit, true);
+    return unit;
 }
 
 RunTimeStruct::Layout Simulation::UnitLayout() {

@@ -14,6 +14,9 @@ class Simulation {
 public:
     Simulation(std::uint32_t seed, unsigned int unitCount);
 
+    // Adds units at random places, or takes the last ones away.
+    void SetUnitCount(unsigned int count);
+
     // Moves the world on by one frame.
     void Step();
 
@@ -32,6 +35,7 @@ public:
     static RunTimeStruct::Layout UnitLayout();
 
 private:
+    RunTimeStruct::Buffer newUnit();
     void moveUnit(RunTimeStruct::Buffer & unit);
 
     Random random;

@@ -54,6 +54,20 @@ private:
     char const * name;
 };
 
+// Reads the settings, which everything else may ask for.
+class SettingsStep : public Step {
+public:
+    SettingsStep(Game & game, std::string & events) : Step(game, events, "settings") {}
+
+protected:
+    InitList::LoadResult Slice() override {
+        game.settings.emplace(game.world);
+        return InitList::Finished;
+    }
+
+    void Undo() override { game.settings.reset(); }
+};
+
 // Builds the attribute tables from their scripts.
 class TablesStep : public Step {
 public:
@@ -151,6 +165,7 @@ void showBar(float progress) {
 } // namespace
 
 StartUp::StartUp(Game & game, bool failOnce) : manager("start") {
+    manager.Register(new SettingsStep(game, events), "settings", 0.1f);
     manager.Register(new TablesStep(game, events), "attribute tables", 2.0f);
     manager.Register(new InventoryStep(game, events), "inventory", 0.5f);
     manager.Register(new AssetsStep(game, events), "assets", 1.0f);

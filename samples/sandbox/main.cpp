@@ -1,6 +1,7 @@
 // The sandbox: a sample game that uses the whole library on real data and proves that it works. It prints one
 // line per subsystem, PASS with its evidence or FAIL, and exits with the number of failures.
 
+#include "Cross/Util/KeyValueContainer.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/platform/Options.h"
 #include "samples/sandbox/Checks.h"
@@ -9,6 +10,7 @@
 #include <CLI/CLI.hpp>
 
 #include <cstdio>
+#include <filesystem>
 
 namespace {
 
@@ -53,6 +55,8 @@ void runChecks(Report & report, Game & game, StartUp const & start, Settings con
     CheckInventory(report, game);
     CheckReload(report, game);
     CheckScripts(report);
+    CheckSettings(report, game);
+    CheckConfigFiles(report);
     CheckRecords(report);
     CheckSync(report, settings.desync);
     CheckNothingLeft(report, game);
@@ -67,6 +71,9 @@ int main(int argc, char ** argv) {
     addOptions(app, settings);
     CLI11_PARSE(app, argc, argv);
     Plat::Options::SetCommandLine(argc, argv);
+    settings.work = std::filesystem::absolute(settings.work).string();
+    settings.data = std::filesystem::absolute(settings.data).string();
+    std::filesystem::current_path(settings.data); // a game runs where its files are
 
     Report report;
     Game game;
@@ -87,5 +94,6 @@ int main(int argc, char ** argv) {
     if (settings.console)
         RunConsole();
     start.Unload();
+    KeyValueContainer::Shutdown();
     return report.GetFailures();
 }
