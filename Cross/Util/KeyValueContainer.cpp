@@ -27,15 +27,26 @@ auto find(Entries & entries, Dictionary const & names, char const * name) {
 }
 
 template <class Entries, class Value>
-void set(Entries & entries, Dictionary & names, char const * name, Value const & value) {
-    if (!name)
-        return;
-    Dictionary::Key const key = names.GetKey(name);
-    auto const place = placeOf(entries, key);
+void set(Entries & entries, Dictionary::Key key, Value const & value) {
+    bool const isLast = entries.empty() || entries.back().first < key;
+    auto const place = isLast ? entries.end() : placeOf(entries, key);
     if (place != entries.end() && place->first == key)
         place->second = value;
     else
         entries.emplace(place, key, value);
+}
+
+// Sets in the order of the keys, so that new entries go to the end as long as no others stand there.
+template <class Entries, class Named>
+void setAll(Entries & entries, Dictionary & names, Named const & named) {
+    std::vector<std::pair<Dictionary::Key, std::size_t>> order;
+    order.reserve(named.size());
+    for (auto const & [name, value] : named)
+        order.emplace_back(names.GetKey(name.c_str()), order.size());
+    std::sort(order.begin(), order.end());
+    entries.reserve(entries.size() + named.size());
+    for (auto const & [key, index] : order)
+        set(entries, key, named[index].second);
 }
 
 template <class Entries>
@@ -49,10 +60,22 @@ void remove(Entries & entries, Dictionary const & names, char const * name) {
 
 void KeyValueContainer::CopyFrom(KeyValueContainer const & other) { *this = other; }
 
-void KeyValueContainer::Set(char const * name, float value) { set(numbers, s_fDictionary, name, value); }
+void KeyValueContainer::Set(char const * name, float value) {
+    if (name)
+        set(numbers, s_fDictionary.GetKey(name), value);
+}
 
 void KeyValueContainer::SetString(char const * name, std::string const & value) {
-    set(strings, s_sDictionary, name, value);
+    if (name)
+        set(strings, s_sDictionary.GetKey(name), value);
+}
+
+void KeyValueContainer::SetAll(std::vector<std::pair<std::string, float>> const & named) {
+    setAll(numbers, s_fDictionary, named);
+}
+
+void KeyValueContainer::SetAllStrings(std::vector<std::pair<std::string, std::string>> const & named) {
+    setAll(strings, s_sDictionary, named);
 }
 
 float KeyValueContainer::Retrieve(char const * name) const {

@@ -27,6 +27,10 @@ public:
     void Set(char const * name, float value);
     void SetString(char const * name, std::string const & value);
 
+    // The same for many at once, of two equal names the later one, and faster.
+    void SetAll(std::vector<std::pair<std::string, float>> const & named);
+    void SetAllStrings(std::vector<std::pair<std::string, std::string>> const & named);
+
     // The number, c_missing when there is none.
     float Retrieve(char const * name) const;
 

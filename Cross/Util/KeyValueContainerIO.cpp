@@ -6,6 +6,8 @@
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
 
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace KeyValueContainerIO {
 
@@ -38,16 +40,29 @@ void saveStrings(KeyValueContainer const & container, LuaConfig & config) {
     }
 }
 
-// Calls visit(name) for each field of a table, if there is one of that name; `reserve` gets their number.
-template <class Reserve, class Visit>
-void walkTable(LuaConfig & config, char const * table, Reserve reserve, Visit visit) {
+void readField(LuaConfig::Iterator const & field, float & value) {
+    double number = 0.0;
+    field.GetNumber(number);
+    value = static_cast<float>(number);
+}
+
+void readField(LuaConfig::Iterator const & field, std::string & value) { field.GetString(value); }
+
+// The fields of a table in the order of a walk, none when there is no table of that name. A field of another
+// kind is 0 or "".
+template <class Value>
+std::vector<std::pair<std::string, Value>> fieldsOf(LuaConfig & config, char const * table) {
+    std::vector<std::pair<std::string, Value>> fields;
     if (config.GetType(table) != LuaConfig::LT_TABLE)
-        return;
+        return fields;
     config.PushTable(table);
-    reserve(config.CountEntry());
-    for (LuaConfig::Iterator it = config.IterateBegin(); it != config.IterateEnd(); ++it)
-        visit(it.GetName());
+    LuaConfig::Iterator const end = config.IterateEnd();
+    for (LuaConfig::Iterator it = config.IterateBegin(); it != end; ++it) {
+        fields.emplace_back(it.GetName(), Value());
+        readField(it, fields.back().second);
+    }
     config.PopTable();
+    return fields;
 }
 
 } // namespace
@@ -71,20 +86,8 @@ bool Load(KeyValueContainer & container, ByteStream & stream, char const * name)
 }
 
 bool Load(KeyValueContainer & container, LuaConfig & config, char const * name) {
-    walkTable(
-        config, name, [&](unsigned int count) { container.Reserve(count); },
-        [&](char const * field) {
-            float value = 0.0f;
-            LCGetFloat(config, field, value);
-            container.Set(field, value);
-        });
-    walkTable(
-        config, StringsName(name).text, [&](unsigned int count) { container.ReserveString(count); },
-        [&](char const * field) {
-            std::string value;
-            LCGetString(config, field, value);
-            container.SetString(field, value);
-        });
+    container.SetAll(fieldsOf<float>(config, name));
+    container.SetAllStrings(fieldsOf<std::string>(config, StringsName(name).text));
     return true;
 }
 

@@ -71,6 +71,21 @@ TEST(KeyValueContainer, EntriesStandByKey) {
     EXPECT_STREQ(container.At(2), "");         // 0xBD49D10D
 }
 
+TEST(KeyValueContainer, ManyAtOnceGoInAsOneByOne) {
+    KeyValueContainer container;
+    container.Set("health", 1.0f);
+    container.Set("root", 1.0f);
+    container.SetAll({{"SPEED", 2.0f}, {"root", 2.0f}, {"ahyibdjr", 2.0f}, {"speed", 3.0f}});
+    container.SetAllStrings({{"b", "x"}, {"a", "y"}, {"B", "z"}});
+    EXPECT_EQ(contentOf(container), (Content{{"ahyibdjr", "2.000000"},
+                                             {"health", "1.000000"},
+                                             {"root", "2.000000"},
+                                             {"speed", "3.000000"},
+                                             {"a$", "y"},
+                                             {"b$", "z"}}));
+    EXPECT_STREQ(container.At(0), "ahyibdjr");
+}
+
 TEST(KeyValueContainer, CopiesAreDeep) {
     KeyValueContainer container, copy;
     container.SetString("a", "one");

@@ -28,6 +28,22 @@ LuaConfig::LuaType typeAt(lua_State * L, int index) {
     }
 }
 
+bool numberAt(lua_State * L, int index, double & value) {
+    if (lua_type(L, index) != LUA_TNUMBER)
+        return false;
+    value = lua_tonumber(L, index);
+    return true;
+}
+
+bool stringAt(lua_State * L, int index, std::string & value) {
+    if (lua_type(L, index) != LUA_TSTRING)
+        return false;
+    std::size_t length = 0;
+    char const * const text = lua_tolstring(L, index, &length);
+    value.assign(text, length);
+    return true;
+}
+
 // Null counts as "".
 std::string_view view(char const * text) { return text ? text : ""; }
 
@@ -36,22 +52,19 @@ bool isHighSurrogate(char16_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 } // namespace
 
 struct LuaConfig::Iterator::Walk {
-    explicit Walk(Data & data) : data(data), fields(data.ListFields()), isAnchored(data.Anchor(this)) {
-        if (!isAnchored)
+    explicit Walk(Data & data) : data(data), fields(data.ListFields()), reference(data.AnchorWalk(fields)) {
+        if (reference == LUA_NOREF)
             fields.clear();
     }
 
     Walk(Walk const &) = delete;
     Walk & operator=(Walk const &) = delete;
 
-    ~Walk() {
-        if (isAnchored)
-            data.ReleaseAnchor(this);
-    }
+    ~Walk() { data.ReleaseWalk(reference); } // none is ignored
 
     Data & data;
     std::vector<FieldName> fields;
-    bool const isAnchored;
+    int const reference;
 };
 
 LuaConfig::Iterator::Iterator() = default;
@@ -73,14 +86,28 @@ char const * LuaConfig::Iterator::GetName() const {
     return isAtEnd() ? "" : walk->fields[position].text.c_str();
 }
 
-LuaConfig::LuaType LuaConfig::Iterator::GetType() const {
+// What `read` makes of the present field's value on top of the stack, and of a missing one at the end.
+template <class Read>
+auto LuaConfig::Iterator::readField(Read read) const {
+    using Result = decltype(read(nullptr));
     if (isAtEnd())
-        return LT_NONE;
-    Data & data = walk->data;
-    StackHeight const height(data.L);
-    data.PushAnchored(walk.get());
-    data.PushField(lua_gettop(data.L), walk->fields[position]);
-    return typeAt(data.L, -1);
+        return Result{};
+    lua_State * const L = walk->data.L;
+    StackHeight const height(L);
+    walk->data.PushWalked(walk->reference, position);
+    return read(L);
+}
+
+LuaConfig::LuaType LuaConfig::Iterator::GetType() const {
+    return readField([](lua_State * L) { return typeAt(L, -1); });
+}
+
+bool LuaConfig::Iterator::GetNumber(double & value) const {
+    return readField([&value](lua_State * L) { return numberAt(L, -1, value); });
+}
+
+bool LuaConfig::Iterator::GetString(std::string & value) const {
+    return readField([&value](lua_State * L) { return stringAt(L, -1, value); });
 }
 
 LuaConfig::LuaConfig(char const * name, bool flag) : data(std::make_unique<Data>(name, flag)) {
@@ -142,10 +169,7 @@ LuaConfig::Iterator LuaConfig::IterateEnd() { return {}; }
 bool LuaConfig::GetNumber(char const * name, double & value) {
     StackHeight const height(data->L);
     data->PushField(data->CurrentTable(), view(name));
-    if (lua_type(data->L, -1) != LUA_TNUMBER)
-        return false;
-    value = lua_tonumber(data->L, -1);
-    return true;
+    return numberAt(data->L, -1, value);
 }
 
 bool LuaConfig::GetBoolean(char const * name, bool & value) {
@@ -169,12 +193,7 @@ bool LuaConfig::GetString(char const * name, char * buffer, unsigned int size) {
 bool LuaConfig::GetString(char const * name, std::string & value) {
     StackHeight const height(data->L);
     data->PushField(data->CurrentTable(), view(name));
-    if (lua_type(data->L, -1) != LUA_TSTRING)
-        return false;
-    std::size_t length = 0;
-    char const * const text = lua_tolstring(data->L, -1, &length);
-    value.assign(text, length);
-    return true;
+    return stringAt(data->L, -1, value);
 }
 
 void LuaConfig::SetNumber(char const * name, double value) { data->SetNumber(view(name), value); }

@@ -52,11 +52,18 @@ public:
         char const * GetName() const;
         LuaType GetType() const;
 
+        // The present field's value: what the getters of the state give for its name in the walked table, and
+        // faster. False, with `value` untouched, at the end as well.
+        bool GetNumber(double & value) const;
+        bool GetString(std::string & value) const;
+
     private:
         friend class LuaConfig;
         struct Walk;
 
         bool isAtEnd() const;
+        template <class Read>
+        auto readField(Read read) const;
 
         std::shared_ptr<Walk> walk;
         std::size_t position = 0;

@@ -7,7 +7,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <functional>
+#include <iterator>
 #include <new>
 #include <utility>
 
@@ -60,13 +62,29 @@ bool isIndex(double number) {
     return number >= 0 && number <= static_cast<double>(c_maxIndex) && number == std::floor(number);
 }
 
-// The name of the key at a stack index; none for keys that no name reaches.
-std::optional<FieldName> nameOfKey(lua_State * L, int key) {
+// A key of a table as a walk sorts it: number keys ascending, then texts in byte order.
+struct WalkKey {
+    double index;         // -1 for a text
+    std::uint64_t prefix; // the first bytes of a text, so that most comparisons end here
+    std::string_view text;
+
+    bool IsText() const { return index < 0; }
+};
+
+std::uint64_t prefixOf(std::string_view text) {
+    unsigned char bytes[sizeof(std::uint64_t)] = {};
+    std::memcpy(bytes, text.data(), std::min(text.size(), sizeof(bytes)));
+    std::uint64_t prefix = 0;
+    for (unsigned char const byte : bytes)
+        prefix = (prefix << 8) | byte;
+    return prefix;
+}
+
+// The key at a stack index; none for keys that no name reaches. Its text lives as long as the key does.
+std::optional<WalkKey> walkKeyAt(lua_State * L, int key) {
     if (lua_type(L, key) == LUA_TNUMBER) {
         double const number = lua_tonumber(L, key);
-        if (!isIndex(number))
-            return std::nullopt;
-        return FieldName{indexText(number), number};
+        return isIndex(number) ? std::optional(WalkKey{number, 0, {}}) : std::nullopt;
     }
     if (lua_type(L, key) != LUA_TSTRING)
         return std::nullopt;
@@ -75,16 +93,20 @@ std::optional<FieldName> nameOfKey(lua_State * L, int key) {
     std::string_view const name(text, length);
     if (name.find('\0') != name.npos)
         return std::nullopt;
-    return FieldName{std::string(name), std::nullopt};
+    return WalkKey{-1, prefixOf(name), name};
 }
 
-// Number keys ascending, then texts in byte order.
-bool comesBefore(FieldName const & left, FieldName const & right) {
-    if (left.index && right.index)
-        return *left.index < *right.index;
-    if (left.index || right.index)
-        return left.index.has_value();
-    return left.text < right.text;
+bool comesBefore(WalkKey const & left, WalkKey const & right) {
+    if (left.IsText() != right.IsText())
+        return right.IsText();
+    if (!left.IsText())
+        return left.index < right.index;
+    return left.prefix != right.prefix ? left.prefix < right.prefix : left.text < right.text;
+}
+
+FieldName nameOf(WalkKey const & key) {
+    return key.IsText() ? FieldName{std::string(key.text), std::nullopt}
+                        : FieldName{indexText(key.index), key.index};
 }
 
 bool hasField(lua_State * L, int table, int key) {
@@ -199,14 +221,6 @@ void LuaConfig::Data::PushField(int table, std::string_view fieldName) {
         lua_pop(L, 1);
     }
     pushName(fieldName);
-    lua_rawget(L, table);
-}
-
-void LuaConfig::Data::PushField(int table, FieldName const & field) {
-    if (field.index)
-        lua_pushnumber(L, *field.index);
-    else
-        pushName(field.text);
     lua_rawget(L, table);
 }
 
@@ -394,15 +408,18 @@ std::vector<FieldName> LuaConfig::Data::ListFields() {
     int const table = CurrentTable();
     bool const isGlobals = lua_rawequal(L, table, LUA_GLOBALSINDEX) != 0;
     int const key = lua_gettop(L) + 1;
-    std::vector<FieldName> fields;
+    std::vector<WalkKey> keys;
     lua_pushnil(L);
     while (lua_next(L, table) != 0) {
-        std::optional<FieldName> field = nameOfKey(L, key);
+        std::optional<WalkKey> const field = walkKeyAt(L, key);
         if (field && !(isGlobals && isBuiltin(key, key + 1)))
-            fields.push_back(*std::move(field));
+            keys.push_back(*field);
         lua_pop(L, 1);
     }
-    std::sort(fields.begin(), fields.end(), comesBefore);
+    std::sort(keys.begin(), keys.end(), comesBefore);
+    std::vector<FieldName> fields;
+    fields.reserve(keys.size());
+    std::transform(keys.begin(), keys.end(), std::back_inserter(fields), nameOf);
     return fields;
 }
 
@@ -437,22 +454,30 @@ bool LuaConfig::Data::Run(std::string_view source, char const * chunkName, std::
     return ran;
 }
 
-bool LuaConfig::Data::Anchor(void * owner) {
-    return callProtected(0, [&](lua_State * inner) {
-        lua_pushlightuserdata(inner, owner);
+// What is referred to holds the table at 0 and behind it the keys in the order of the walk.
+int LuaConfig::Data::AnchorWalk(std::vector<FieldName> const & fields) {
+    int reference = LUA_NOREF;
+    callProtected(0, [&](lua_State * inner) {
+        lua_createtable(inner, static_cast<int>(fields.size()), 1);
         lua_pushvalue(inner, 1);
-        lua_rawset(inner, LUA_REGISTRYINDEX);
+        lua_rawseti(inner, -2, 0);
+        int place = 0;
+        for (FieldName const & field : fields) {
+            if (field.index)
+                lua_pushnumber(inner, *field.index);
+            else
+                lua_pushlstring(inner, field.text.data(), field.text.size());
+            lua_rawseti(inner, -2, ++place);
+        }
+        reference = luaL_ref(inner, LUA_REGISTRYINDEX);
         return 0;
     });
+    return reference;
 }
 
-void LuaConfig::Data::PushAnchored(void * owner) {
-    lua_pushlightuserdata(L, owner);
-    lua_rawget(L, LUA_REGISTRYINDEX);
-}
-
-void LuaConfig::Data::ReleaseAnchor(void * owner) {
-    lua_pushlightuserdata(L, owner);
-    lua_pushnil(L);
-    lua_rawset(L, LUA_REGISTRYINDEX);
+void LuaConfig::Data::PushWalked(int reference, std::size_t position) {
+    lua_rawgeti(L, LUA_REGISTRYINDEX, reference);
+    lua_rawgeti(L, -1, 0);
+    lua_rawgeti(L, -2, static_cast<int>(position) + 1);
+    lua_rawget(L, -2);
 }

@@ -39,10 +39,8 @@ struct LuaConfig::Data {
     // Stack index of the current table.
     int CurrentTable() const;
 
-    // Push the value of a field of the table at a stack index; nil when there is none. The second form
-    // reaches exactly the key that the walk met.
+    // Pushes the value of a field of the table at a stack index; nil when there is none.
     void PushField(int table, std::string_view fieldName);
-    void PushField(int table, script::FieldName const & field);
 
     void SetNumber(std::string_view fieldName, double value);
     void SetString(std::string_view fieldName, std::string_view text);
@@ -65,10 +63,14 @@ struct LuaConfig::Data {
     // Runs source; the cursor is as before. On failure `reason` is Lua's message.
     bool Run(std::string_view source, char const * chunkName, std::string & reason);
 
-    // Keep the current table alive for an object, until it releases it. False when there is no memory for it.
-    bool Anchor(void * owner);
-    void PushAnchored(void * owner);
-    void ReleaseAnchor(void * owner);
+    // Keeps the current table and the keys of its fields alive for a walk over them, until it lets go of the
+    // reference. LUA_NOREF when there is no memory for it.
+    int AnchorWalk(std::vector<script::FieldName> const & fields);
+
+    void ReleaseWalk(int reference) { luaL_unref(L, LUA_REGISTRYINDEX, reference); }
+
+    // Pushes the value that now stands under the key of the field at that place of a walk; nil when it went.
+    void PushWalked(int reference, std::size_t position);
 
     // The table of what the constructor put into the globals, as a reference into the registry.
     int Builtins() const { return builtins; }

@@ -10,6 +10,9 @@
 namespace script {
 namespace {
 
+// A data state reads one file and goes: the collector starts a cycle when memory has grown to this percentage.
+constexpr int c_dataGCPause = 400;
+
 // The standard matcher calls itself once per item of the pattern, on the C stack.
 constexpr std::size_t c_maxDataPattern = 1000;
 
@@ -225,6 +228,7 @@ void replaceSearcher(lua_State * L) {
 } // namespace
 
 void openDataLibraries(lua_State * L) {
+    lua_gc(L, LUA_GCSETPAUSE, c_dataGCPause);
     open(L, luaopen_base, "");
     open(L, luaopen_string, LUA_STRLIBNAME);
     open(L, luaopen_table, LUA_TABLIBNAME);

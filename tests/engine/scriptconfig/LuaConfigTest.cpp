@@ -160,7 +160,14 @@ TEST(LuaConfigTest, SetGoesToTheKeyThatExists) {
     EXPECT_TRUE(holds(config, "t['7'] == 2 and t[7] == nil and t[8] == 'x' and t['8'] == 1"));
     auto field = config.IterateBegin();
     EXPECT_EQ(field.GetType(), LuaConfig::LT_STRING);
+    std::string text;
+    double value = -1;
+    EXPECT_TRUE(field.GetString(text) && !field.GetNumber(value));
+    EXPECT_EQ(text, "x");
     EXPECT_EQ((++ ++field).GetType(), LuaConfig::LT_NUMBER) << "a walk tells the two keys of a name apart";
+    EXPECT_TRUE(field.GetNumber(value) && !field.GetString(text));
+    EXPECT_EQ(value, 2);
+    EXPECT_FALSE((++field).GetNumber(value) || field.GetString(text)) << "there is no value at the end";
     config.PushTable(7u);
     EXPECT_TRUE(holds(config, "type(t[7]) == 'table' and t['7'] == 2")) << "an index is always the number";
 }
