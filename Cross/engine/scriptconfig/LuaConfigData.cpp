@@ -168,6 +168,10 @@ int LuaConfig::Data::open(lua_State * L) {
 
     lua_newtable(L);
     data.builtins = luaL_ref(L, LUA_REGISTRYINDEX);
+
+    // The first reference given back makes the registry's list of free ones; later ones then need no memory.
+    lua_pushboolean(L, 1);
+    luaL_unref(L, LUA_REGISTRYINDEX, luaL_ref(L, LUA_REGISTRYINDEX));
     return 0;
 }
 
