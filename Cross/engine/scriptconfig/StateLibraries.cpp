@@ -10,7 +10,8 @@
 namespace script {
 namespace {
 
-// A data state reads one file and goes: the collector starts a cycle when memory has grown to this percentage.
+// A data state reads one file and goes: the collector starts a cycle when memory has grown to this
+// percentage.
 constexpr int c_dataGCPause = 400;
 
 // The standard matcher calls itself once per item of the pattern, on the C stack.
