@@ -1,10 +1,9 @@
 #include "Cross/engine/diagnostics/Trace.h"
 
 #include "Cross/engine/diagnostics/Message.h"
+#include "Cross/engine/platform/Time.h"
 
-#include <chrono>
 #include <cstdio>
-#include <ctime>
 #include <mutex>
 
 namespace {
@@ -35,14 +34,10 @@ public:
 };
 
 void printToStderr(char const * text) {
-    auto const now = std::chrono::system_clock::now();
-    std::time_t const seconds = std::chrono::system_clock::to_time_t(now);
-    auto const milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(
-        now - std::chrono::system_clock::from_time_t(seconds));
-    std::tm local = {};
-    localtime_r(&seconds, &local);
-    std::fprintf(stderr, "[%02d:%02d:%02d.%03d] %s\n", local.tm_hour, local.tm_min, local.tm_sec,
-                 static_cast<int>(milliseconds.count()), text);
+    Plat::Time::SystemTime now;
+    unsigned int milliseconds;
+    Plat::Time::TimeNow(now, milliseconds);
+    std::fprintf(stderr, "[%02d:%02d:%02d.%03u] %s\n", now.hour, now.minute, now.second, milliseconds, text);
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "Cross/engine/platform/Time.h"
 
+#include "Cross/engine/platform/TimeStampCounter.h"
+
 #include <chrono>
 #include <ctime>
 
@@ -9,15 +11,14 @@ namespace {
 
 using Steady = std::chrono::steady_clock;
 
-constexpr std::int64_t c_realFrequency = 1'000'000'000;
+constexpr std::int64_t c_nanoseconds = 1'000'000'000;
 
 template <class Unit>
 std::int64_t steadyCount() {
     return std::chrono::duration_cast<Unit>(Steady::now().time_since_epoch()).count();
 }
 
-Time::SystemTime localTime() {
-    std::time_t const now = std::time(nullptr);
+Time::SystemTime localTime(std::time_t now) {
     std::tm local = {};
     localtime_r(&now, &local);
     auto const field = [](int value) { return static_cast<std::int16_t>(value); };
@@ -26,19 +27,27 @@ Time::SystemTime localTime() {
 }
 
 // Taken when the library loads.
-Time::SystemTime const s_start = localTime();
+Time::SystemTime const s_start = localTime(std::time(nullptr));
+bool const s_hasCounter = TimeStampCounter::IsTrusted();
 
 constinit Time::ClockSource s_source;
+
+std::int64_t realFrequency() {
+    static std::int64_t const frequency = s_hasCounter ? TimeStampCounter::MeasureFrequency() : c_nanoseconds;
+    return frequency;
+}
 
 } // namespace
 
 std::int64_t Time::GetCycle() {
-    return s_source.cycle ? s_source.cycle(s_source.context) : steadyCount<std::chrono::nanoseconds>();
+    if (s_source.cycle)
+        return s_source.cycle(s_source.context);
+    return s_hasCounter ? TimeStampCounter::Read() : steadyCount<std::chrono::nanoseconds>();
 }
 
 std::int64_t Time::GetCycleFreq() {
     std::int64_t const frequency = s_source.cycleFreq ? s_source.cycleFreq(s_source.context) : 0;
-    return frequency != 0 ? frequency : c_realFrequency;
+    return frequency != 0 ? frequency : realFrequency();
 }
 
 std::uint32_t Time::GetTimeMilliseconds() {
@@ -47,10 +56,20 @@ std::uint32_t Time::GetTimeMilliseconds() {
 }
 
 void Time::TimeNow(SystemTime & time) {
-    if (s_source.now)
+    unsigned int milliseconds;
+    TimeNow(time, milliseconds);
+}
+
+void Time::TimeNow(SystemTime & time, unsigned int & milliseconds) {
+    if (s_source.now) {
         s_source.now(s_source.context, time);
-    else
-        time = localTime();
+        milliseconds = GetTimeMilliseconds() % 1000;
+        return;
+    }
+    std::timespec now = {};
+    std::timespec_get(&now, TIME_UTC);
+    time = localTime(now.tv_sec);
+    milliseconds = static_cast<unsigned int>(now.tv_nsec / 1'000'000);
 }
 
 void Time::TimeStart(SystemTime & time) { time = s_start; }

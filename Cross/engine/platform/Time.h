@@ -33,15 +33,19 @@ public:
         void * context = nullptr;
     };
 
-    // A monotonic counter, and its ticks per second, which is never 0.
+    // A counter that runs forward, and its ticks per second, which is never 0 and the same at each call. What
+    // two threads see at one moment may differ by some nanoseconds. Where it is the processor's own counter,
+    // the first call of GetCycleFreq takes two milliseconds to measure it.
     static std::int64_t GetCycle();
     static std::int64_t GetCycleFreq();
 
     // A monotonic clock in milliseconds, cut to 32 bits: it wraps after some 49 days.
     static std::uint32_t GetTimeMilliseconds();
 
-    // The present local time.
+    // The present local time, and the milliseconds of its second, 0 to 999. With a clock source for `now`
+    // these are the last three digits of its `milliseconds`.
     static void TimeNow(SystemTime & time);
+    static void TimeNow(SystemTime & time, unsigned int & milliseconds);
 
     // The local time at which the engine library was loaded; the same at each call, whatever the clock
     // source.

@@ -3,25 +3,53 @@
 #include "Cross/engine/platform/Window.h"
 #include "tests/support/HandClock.h"
 
+#include <chrono>
 #include <cstring>
 #include <ctime>
 #include <gtest/gtest.h>
 
 using Plat::Time;
 
-TEST(Time, RealClocksRun) {
-    std::int64_t const cycle = Time::GetCycle();
+// The inner of two stretches is never the longer one, but for what the system adjusts its own clock by.
+TEST(Time, CyclesAgreeWithTheSystemsClock) {
+    using Clock = std::chrono::steady_clock;
+    auto const secondsSince = [](Clock::time_point start) {
+        return std::chrono::duration<double>(Clock::now() - start).count();
+    };
+    auto const cycleSecondsSince = [](std::int64_t start) {
+        return static_cast<double>(Time::GetCycle() - start) / static_cast<double>(Time::GetCycleFreq());
+    };
+    Time::GetCycleFreq(); // measured now, if need be
+    std::int64_t const outerCycle = Time::GetCycle();
+    Clock::time_point const outer = Clock::now();
+    std::int64_t const innerCycle = Time::GetCycle();
+    Clock::time_point const inner = Clock::now();
     std::uint32_t const milliseconds = Time::GetTimeMilliseconds();
-    Plat::Window::Sleep(3);
-    EXPECT_GE((Time::GetCycle() - cycle) * 1000, 3 * Time::GetCycleFreq());
-    EXPECT_GE(Time::GetTimeMilliseconds() - milliseconds, 3u);
+    Plat::Window::Sleep(30);
+    EXPECT_GE(Time::GetTimeMilliseconds() - milliseconds, 30u);
+    double const innerSeconds = secondsSince(inner);
+    double const innerCycleSeconds = cycleSecondsSince(innerCycle);
+    EXPECT_LE(innerCycleSeconds, secondsSince(outer) * 1.001);
+    EXPECT_LE(innerSeconds, cycleSecondsSince(outerCycle) * 1.001);
+}
+
+TEST(Time, CyclesRunForward) {
+    std::int64_t last = Time::GetCycle();
+    for (int i = 0; i < 100000; ++i) {
+        std::int64_t const next = Time::GetCycle();
+        ASSERT_GE(next, last);
+        last = next;
+    }
+    EXPECT_EQ(Time::GetCycleFreq(), Time::GetCycleFreq());
 }
 
 TEST(Time, NowIsTheLocalTime) {
-    std::time_t const before = std::time(nullptr);
+    using Clock = std::chrono::system_clock; // std::time may lag behind it
+    std::time_t const before = Clock::to_time_t(Clock::now());
     Time::SystemTime now;
-    Time::TimeNow(now);
-    std::time_t const after = std::time(nullptr);
+    unsigned int milliseconds;
+    Time::TimeNow(now, milliseconds);
+    std::time_t const after = Clock::to_time_t(Clock::now());
     std::tm local = {};
     local.tm_year = now.year - 1900;
     local.tm_mon = now.month - 1;
@@ -34,6 +62,7 @@ TEST(Time, NowIsTheLocalTime) {
     EXPECT_LE(before, instant);
     EXPECT_LE(instant, after);
     EXPECT_EQ(now.dayOfWeek, local.tm_wday);
+    EXPECT_LT(milliseconds, 1000u);
 }
 
 TEST(Time, AClockCanBeReplacedButNotTheStart) {
