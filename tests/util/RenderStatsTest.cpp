@@ -209,9 +209,10 @@ TEST_F(RenderStatsTest, OffCountsNothing) {
 TEST_F(RenderStatsTest, AProxyMayChangeTheListItDraws) {
     Add("first", 1, 2, 3);
     Add("second", 1, 2, 3);
-    proxy.act = [&] {
-        for (int i = 0; i < 100; ++i)
-            stats.AddModelStat(std::to_string(i).c_str());
+    int models = 0;
+    proxy.act = [&] { // the list moves in the middle of a row
+        for (int i = 0; i < 20; ++i)
+            stats.AddModelStat(std::to_string(models++).c_str());
     };
     EXPECT_EQ(Names().substr(0, 17), "first second 0 1 ");
     proxy.act = [&] { stats.Enable(false); };
