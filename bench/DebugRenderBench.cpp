@@ -5,40 +5,20 @@
 #include "bench/Ratio.h"
 
 #include <algorithm>
-#include <chrono>
 #include <string>
 #include <vector>
 
 namespace {
 
-constexpr int c_calls = 1000;
+constexpr int c_rounds = 10000;
 
-// Lets the compiler know nothing of what it has in hand, so that each turn of a loop does its work.
-void forget() { benchmark::ClobberMemory(); }
-
-void drawWithoutProxy() {
+void drawWithoutProxy(benchmark::State & state) {
     DebugRender::Line const line{};
-    for (int i = 0; i < c_calls; ++i) {
-        DebugRender::Draw(line, "bench");
-        forget();
-    }
-}
-
-void doNothing() {
-    for (int i = 0; i < c_calls; ++i)
-        forget();
-}
-
-// The shortest of many runs, in nanoseconds per call.
-double timeOf(void (*calls)()) {
-    using Clock = std::chrono::steady_clock;
-    Clock::duration best = Clock::duration::max();
-    for (int run = 0; run < 1000; ++run) {
-        Clock::time_point const start = Clock::now();
-        calls();
-        best = std::min(best, Clock::now() - start);
-    }
-    return std::chrono::duration<double, std::nano>(best).count() / c_calls;
+    for (auto _ : state)
+        for (int i = 0; i < c_rounds; ++i) {
+            DebugRender::Draw(line, "bench");
+            bench::EndRound();
+        }
 }
 
 std::vector<std::string> modelNames() {
@@ -73,8 +53,8 @@ void findNames(benchmark::State & state) {
 } // namespace
 
 int main(int argc, char ** argv) {
-    bench::AddFigure("Draw without a proxy, above an empty loop (1 at most)",
-                     timeOf(drawWithoutProxy) - timeOf(doNothing), "ns");
+    bench::AddPair("10000 Draw without a proxy beside an empty loop and 1 ns a round", 1.0, drawWithoutProxy,
+                   bench::EmptyRoundsAndANanosecond(c_rounds));
     bench::AddPair("AddModelStat of 64 models beside find_if over their names", 2.0, addModels, findNames);
     return bench::Run(argc, argv);
 }

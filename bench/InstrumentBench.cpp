@@ -3,15 +3,11 @@
 #include "Cross/Util/PerfBlock.h"
 #include "bench/Ratio.h"
 
-#include <chrono>
 #include <ctime>
 
 namespace {
 
 constexpr int c_rounds = 10000;
-
-// Keeps the compiler from merging rounds.
-void endRound() { benchmark::ClobberMemory(); }
 
 void inactivePairs(benchmark::State & state) {
     PerfBlock block("bench.inactive");
@@ -19,23 +15,9 @@ void inactivePairs(benchmark::State & state) {
     for (auto _ : state)
         for (int i = 0; i < c_rounds; ++i) {
             block.Start();
-            endRound();
+            bench::EndRound();
             block.Stop();
         }
-}
-
-void waitUntil(std::chrono::steady_clock::time_point end) {
-    while (std::chrono::steady_clock::now() < end)
-        benchmark::ClobberMemory();
-}
-
-// The rounds alone, and a nanosecond for each.
-void emptyRoundsAndANanosecond(benchmark::State & state) {
-    for (auto _ : state) {
-        for (int i = 0; i < c_rounds; ++i)
-            endRound();
-        waitUntil(std::chrono::steady_clock::now() + std::chrono::nanoseconds(c_rounds));
-    }
 }
 
 void activePairs(benchmark::State & state) {
@@ -60,7 +42,7 @@ void clockPairs(benchmark::State & state) {
 
 int main(int argc, char ** argv) {
     bench::AddPair("10000 inactive Start/Stop beside an empty loop and 1 ns a round", 1.0, inactivePairs,
-                   emptyRoundsAndANanosecond);
+                   bench::EmptyRoundsAndANanosecond(c_rounds));
     bench::AddPair("active Start/Stop beside two clock_gettime", 0.5, activePairs, clockPairs);
     return bench::Run(argc, argv);
 }

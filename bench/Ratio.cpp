@@ -1,6 +1,7 @@
 #include "bench/Ratio.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <map>
 #include <vector>
@@ -100,7 +101,22 @@ void printFigures() {
         std::printf("| %s | %.4g %s |\n", figure.name.c_str(), figure.value, figure.unit.c_str());
 }
 
+void waitUntil(std::chrono::steady_clock::time_point end) {
+    while (std::chrono::steady_clock::now() < end)
+        benchmark::ClobberMemory();
+}
+
 } // namespace
+
+Body EmptyRoundsAndANanosecond(int rounds) {
+    return [rounds](benchmark::State & state) {
+        for (auto _ : state) {
+            for (int i = 0; i < rounds; ++i)
+                EndRound();
+            waitUntil(std::chrono::steady_clock::now() + std::chrono::nanoseconds(rounds));
+        }
+    };
+}
 
 void AddPair(std::string const & name, double limit, Body ours, Body peer) {
     s_pairs.push_back({name, limit});
