@@ -1,0 +1,394 @@
+#include "Cross/Util/StatGraph.h"
+
+#include "tests/support/GraphSink.h"
+#include "tests/support/SlotOf.h"
+#include "tests/support/WarningCapture.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <limits>
+#include <memory>
+
+namespace {
+
+using Channel = StatGraph::Channel;
+using Handle = StatGraph::Handle;
+using Names = std::list<std::string>;
+
+constexpr float c_infinity = std::numeric_limits<float>::infinity();
+constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
+
+// The latest colours of a channel, the oldest first, as enabling and disabling gives them.
+std::vector<std::uint32_t> takeColours(Channel const & channel, Handle const & handle, int count) {
+    std::vector<std::uint32_t> colours;
+    for (int i = 0; i < count; ++i) {
+        StatGraph::ChannelEnable(handle, i % 3 == 0);
+        colours.push_back(channel.colour.ToWord());
+    }
+    return colours;
+}
+
+class StatGraphTest : public testing::Test {
+protected:
+    ~StatGraphTest() override { ResetStatGraph(); }
+
+    static Names List() {
+        Names names{"left over"};
+        StatGraph::ListChannels(names);
+        return names;
+    }
+
+    // The record behind the newest channel of a name.
+    static Channel const & Record(std::string_view name) {
+        GraphSink sink;
+        StatGraph::Update();
+        for (Channel const * const channel : sink.channels)
+            if (channel->name == name)
+                return *channel;
+        throw std::runtime_error("no such channel");
+    }
+
+    static void Submit(Handle const & handle, float value, int times) {
+        for (int i = 0; i < times; ++i)
+            StatGraph::ChannelSubmit(handle, value);
+    }
+};
+
+} // namespace
+
+TEST_F(StatGraphTest, NamesIgnoreCaseAndSortByBytes) {
+    EXPECT_EQ(List(), Names());
+    for (char const * const name : {"b", "FrameTime", "\xC3\x84", "B2", "", "a.B"})
+        EXPECT_TRUE(StatGraph::ChannelCreate(name)) << name;
+    EXPECT_EQ(List(), (Names{"", "a.b", "b", "b2", "frametime", "\xC3\x84"}));
+    StatGraph::ChannelEnable("FRAMETIME", true);
+    EXPECT_TRUE(StatGraph::ChannelEnabled("frameTime"));
+    EXPECT_FALSE(StatGraph::ChannelEnabled("b"));
+    StatGraph::ChannelDestroy("A.b");
+    StatGraph::ChannelDestroy("");
+    EXPECT_EQ(List(), (Names{"b", "b2", "frametime", "\xC3\x84"}));
+}
+
+TEST_F(StatGraphTest, LongNamesAreCut) {
+    std::string const longest(255, 'N');
+    StatGraph::ChannelCreate((longest + "one").c_str());
+    EXPECT_EQ(List(), Names{std::string(255, 'n')});
+    StatGraph::ChannelSubmit((longest + "other").c_str(), 3.0f);
+    EXPECT_EQ(Record(std::string(255, 'n')).sum, 3.0f);
+    StatGraph::ChannelDestroy(std::string(100'000, 'n').c_str());
+    EXPECT_EQ(List(), Names());
+}
+
+TEST_F(StatGraphTest, UnknownAndNullNamesDoNothing) {
+    Handle const known = StatGraph::ChannelCreate("known");
+    EXPECT_FALSE(StatGraph::ChannelCreate(nullptr));
+    for (char const * const name : {static_cast<char const *>(nullptr), "unknown", "know", "knownn", ""}) {
+        StatGraph::ChannelEnable(name, true);
+        StatGraph::ChannelSubmit(name, 1.0f);
+        StatGraph::ChannelSetMax(name, 1.0f);
+        StatGraph::ChannelSetRefresh(name, 1);
+        StatGraph::ChannelDestroy(name);
+        EXPECT_FALSE(StatGraph::ChannelEnabled(name));
+    }
+    EXPECT_EQ(List(), Names{"known"});
+    EXPECT_EQ(Record("known").max, 0.0f);
+    EXPECT_FALSE(StatGraph::ChannelEnabled(known));
+}
+
+TEST_F(StatGraphTest, HandlesThatReferToNothingAreHarmlessWhereTheyMayBeNull) {
+    Handle none;
+    StatGraph::ChannelEnable(none, true);
+    StatGraph::ChannelDestroy(none);
+
+    Handle first = StatGraph::ChannelCreate("gone");
+    Handle stale = first;
+    void const * const place = first;
+    EXPECT_EQ(static_cast<void const *>(stale), place);
+    StatGraph::ChannelDestroy(first);
+    EXPECT_FALSE(first);
+    EXPECT_TRUE(stale) << "other copies are not told";
+    StatGraph::ChannelDestroy(stale);
+    EXPECT_FALSE(stale);
+    EXPECT_EQ(List(), Names());
+}
+
+TEST_F(StatGraphTest, ANameTwiceIsWarnedOfAndGivesTheNewer) {
+    WarningCapture const warnings(0x53544154);
+    Handle const older = StatGraph::ChannelCreate("Twin");
+    EXPECT_TRUE(warnings.texts.empty());
+    Handle newer = StatGraph::ChannelCreate("tWIN");
+    EXPECT_EQ(warnings.texts, std::vector<std::string>{"Duplicate statgraph channel ignored"});
+    EXPECT_EQ(List(), (Names{"twin", "twin"}));
+    StatGraph::ChannelSubmit("twin", 1.0f);
+    StatGraph::ChannelSubmit(older, 2.0f);
+    GraphSink sink;
+    StatGraph::Update();
+    EXPECT_EQ(sink.channels[0]->sum, 1.0f);
+    EXPECT_EQ(sink.channels[1]->sum, 2.0f);
+    StatGraph::ChannelDestroy("twin");
+    EXPECT_EQ(Record("twin").sum, 2.0f) << "the newer goes first";
+    StatGraph::ChannelDestroy(newer);
+    EXPECT_EQ(List(), Names{"twin"});
+    StatGraph::ChannelDestroy("twin");
+    EXPECT_EQ(List(), Names());
+}
+
+// A new channel; each row is submitted in turn to a channel of its own.
+TEST_F(StatGraphTest, TheFirstSample) {
+    struct Case {
+        float value, average, max;
+        std::uint32_t countdown;
+    };
+
+    Case const c_cases[] = {
+        {5.0f, 0.1f, 10.0f, 200},
+        // nothing is above 0, so the scale waits for the period
+        {0.0f, 0.0f, 0.0f, 199},
+        {-1.0f, -0.02f, 0.0f, 199},
+        // the scale is the smallest of 10, 50, 250, ... that is not below
+        {10.0f, 0.2f, 10.0f, 200},
+        {10.5f, 0.21f, 50.0f, 200},
+        {50.0f, 1.0f, 50.0f, 200},
+        {250.5f, 5.01f, 1250.0f, 200},
+        // the largest float still finds an end
+        {std::numeric_limits<float>::max(), std::numeric_limits<float>::max() / 50, c_infinity, 200},
+        {c_infinity, c_infinity, c_infinity, 200},
+    };
+    for (Case const & test : c_cases) {
+        Handle handle = StatGraph::ChannelCreate("first");
+        StatGraph::ChannelSubmit(handle, test.value);
+        Channel const & channel = Record("first");
+        EXPECT_EQ(channel.average, test.average) << test.value;
+        EXPECT_EQ(channel.max, test.max) << test.value;
+        EXPECT_EQ(channel.countdown, test.countdown) << test.value;
+        EXPECT_EQ(channel.index, 1u);
+        EXPECT_EQ(channel.LatestSample(), test.value);
+        EXPECT_FALSE(channel.enabled) << "a disabled channel collects all the same";
+        StatGraph::ChannelDestroy(handle);
+    }
+}
+
+TEST_F(StatGraphTest, ARecordBeginsEmpty) {
+    StatGraph::ChannelCreate("New");
+    Channel const & channel = Record("new");
+    EXPECT_EQ(channel.samples, std::vector<float>(50, 0.0f));
+    EXPECT_EQ(channel.colour.ToWord(), 0xFFFFFFFFu);
+    EXPECT_EQ(channel.refresh, 200u);
+    EXPECT_EQ(channel.countdown, 200u);
+    EXPECT_EQ(channel.index, 0u);
+    EXPECT_EQ(channel.sum + channel.average + channel.max + channel.LatestSample(), 0.0f);
+}
+
+TEST_F(StatGraphTest, TheRingTurns) {
+    Handle const handle = StatGraph::ChannelCreate("ring");
+    Channel const & channel = Record("ring");
+    StatGraph::ChannelSubmit(handle, 1000.0f);
+    Submit(handle, 1.0f, 49);
+    EXPECT_EQ(channel.index, 0u);
+    EXPECT_EQ(channel.sum, 1049.0f);
+    EXPECT_EQ(channel.LatestSample(), 1.0f);
+    StatGraph::ChannelSubmit(handle, 2.0f);
+    EXPECT_EQ(channel.sum, 51.0f) << "the first value is gone";
+    EXPECT_EQ(channel.index, 1u);
+    EXPECT_EQ(channel.average, 51.0f / 50.0f);
+}
+
+TEST_F(StatGraphTest, TheSumIsNeverFoundAnew) {
+    Handle const handle = StatGraph::ChannelCreate("drift");
+    Channel const & channel = Record("drift");
+    StatGraph::ChannelSubmit(handle, 16777216.0f);
+    StatGraph::ChannelSubmit(handle, 0.1f);
+    Submit(handle, 0.0f, 50);
+    EXPECT_EQ(channel.sum, -0.1f) << "0.1 was lost beside 2^24 and is taken out all the same";
+    StatGraph::ChannelSubmit(handle, c_nan);
+    Submit(handle, 1.0f, 100);
+    EXPECT_TRUE(std::isnan(channel.average));
+    EXPECT_EQ(channel.samples, std::vector<float>(50, 1.0f));
+}
+
+TEST_F(StatGraphTest, TheScaleRisesAtOnceAndFallsByPeriod) {
+    Handle const handle = StatGraph::ChannelCreate("scale");
+    Channel const & channel = Record("scale");
+    StatGraph::ChannelSubmit(handle, 50.0f);
+    StatGraph::ChannelSubmit(handle, 50.0f);
+    EXPECT_EQ(channel.countdown, 199u) << "a sample equal to the scale changes nothing";
+    StatGraph::ChannelSubmit(handle, 50.5f);
+    EXPECT_EQ(channel.max, 250.0f);
+    Submit(handle, 300.0f, 50);
+    EXPECT_EQ(channel.max, 1250.0f);
+    StatGraph::ChannelSubmit(handle, c_nan);
+    EXPECT_EQ(channel.max, 1250.0f) << "a NaN is above nothing";
+    Submit(handle, 1.0f, static_cast<int>(channel.countdown) - 1);
+    EXPECT_EQ(channel.max, 1250.0f);
+    StatGraph::ChannelSubmit(handle, 1.0f);
+    EXPECT_EQ(channel.max, 10.0f);
+    EXPECT_EQ(channel.countdown, 200u);
+    StatGraph::ChannelSetRefresh("scale", 1);
+    Submit(handle, c_nan, 251);
+    EXPECT_EQ(channel.max, 10.0f) << "a ring of NaN has no greatest sample";
+}
+
+TEST_F(StatGraphTest, ANewPeriodCountsFromTheNextRescale) {
+    Handle const handle = StatGraph::ChannelCreate("period");
+    Channel const & channel = Record("period");
+    StatGraph::ChannelSetRefresh("period", 3);
+    StatGraph::ChannelSetRefresh("period", 0);
+    EXPECT_EQ(channel.refresh, 3u);
+    Submit(handle, 0.0f, 199);
+    EXPECT_EQ(channel.max, 0.0f);
+    Submit(handle, 0.0f, 1);
+    EXPECT_EQ(channel.max, 10.0f) << "at the latest now also of a channel without samples above 0";
+    EXPECT_EQ(channel.countdown, 3u);
+}
+
+TEST_F(StatGraphTest, AScaleThatIsSetHoldsUntilASampleExceedsIt) {
+    Handle const handle = StatGraph::ChannelCreate("set");
+    Channel const & channel = Record("set");
+    StatGraph::ChannelSetMax("SET", 100.0f);
+    EXPECT_EQ(channel.max, 100.0f);
+    EXPECT_EQ(channel.countdown, 0xFFFFFFFFu);
+    Submit(handle, 100.0f, 300);
+    EXPECT_EQ(channel.max, 100.0f);
+    EXPECT_EQ(channel.countdown, 0xFFFFFFFFu - 300);
+    StatGraph::ChannelSubmit(handle, 100.5f);
+    EXPECT_EQ(channel.max, 250.0f);
+    EXPECT_EQ(channel.countdown, 200u);
+    StatGraph::ChannelSetMax("set", -0.0f);
+    EXPECT_EQ(channel.max, 250.0f);
+    EXPECT_EQ(channel.countdown, 0u);
+    Submit(handle, 1.0f, 300);
+    EXPECT_EQ(channel.max, 250.0f) << "parked, not due";
+    EXPECT_EQ(channel.countdown, 0xFFFFFFFFu - 299);
+}
+
+// Places in the row of colours, counted from 1.
+TEST_F(StatGraphTest, EveryEnableTakesTheNextOf100Colours) {
+    struct Case {
+        std::size_t number;
+        std::uint32_t colour;
+    };
+
+    constexpr Case c_cases[] = {
+        {1, 0xFF7F0000},  {2, 0xFFFE0000},  {3, 0xFF007F00},  {9, 0xFF00007F},  {26, 0xFFFEFEFE},
+        {27, 0xFF000000}, {54, 0xFF000000}, {81, 0xFF000000}, {99, 0xFF0000FE}, {100, 0xFF7F00FE},
+    };
+    Handle const handle = StatGraph::ChannelCreate("colour");
+    std::vector<std::uint32_t> const colours = takeColours(Record("colour"), handle, 200);
+    auto const startsAt = [&](std::size_t place) {
+        for (Case const & test : c_cases)
+            if (colours[place + test.number - 1] != test.colour)
+                return false;
+        return true;
+    };
+    int starts = 0;
+    for (std::size_t place = 0; place < 100; ++place)
+        starts += startsAt(place);
+    EXPECT_EQ(starts, 1);
+    EXPECT_TRUE(std::equal(colours.begin(), colours.begin() + 100, colours.begin() + 100));
+}
+
+TEST_F(StatGraphTest, APauseDropsSamplesAndNothingElse) {
+    Handle const handle = StatGraph::ChannelCreate("paused");
+    Channel const & channel = Record("paused");
+    GraphSink sink;
+    StatGraph::SetPause(true);
+    EXPECT_TRUE(StatGraph::GetPause());
+    Submit(handle, 20.0f, 1);
+    StatGraph::ChannelSubmit("paused", 20.0f);
+    EXPECT_EQ(channel.index, 0u);
+    EXPECT_EQ(channel.countdown, 200u);
+    EXPECT_EQ(channel.max, 0.0f);
+    StatGraph::SetVisible(true);
+    StatGraph::Update();
+    EXPECT_EQ(sink.calls, 1);
+    EXPECT_TRUE(sink.visible);
+    StatGraph::SetPause(false);
+    StatGraph::SetVisible(false);
+    StatGraph::Update();
+    EXPECT_EQ(sink.calls, 2);
+    EXPECT_FALSE(sink.visible || StatGraph::GetVisible() || StatGraph::GetPause());
+}
+
+TEST_F(StatGraphTest, FourSinksAreCalledInOrderOfTheirPlaces) {
+    std::string order;
+    GraphSink sinks[5];
+    for (int i = 0; i < 5; ++i)
+        sinks[i].act = [&order, i] { order += std::to_string(i); };
+    StatGraph::Register(nullptr);
+    StatGraph::Unregister(nullptr);
+    StatGraph::Update();
+    EXPECT_EQ(order, "0123") << "the fifth found no place";
+    StatGraph::Unregister(&sinks[1]);
+    StatGraph::Register(nullptr);
+    StatGraph::Register(&sinks[4]);
+    StatGraph::Unregister(&sinks[3]);
+    StatGraph::Register(&sinks[2]);
+    order.clear();
+    StatGraph::Update();
+    EXPECT_EQ(order, "0422");
+    StatGraph::Unregister(&sinks[2]);
+    order.clear();
+    StatGraph::Update();
+    EXPECT_EQ(order, "042") << "one place per call";
+}
+
+TEST_F(StatGraphTest, SinksComeAndGoWhileTheyAreCalled) {
+    StatGraph::ChannelCreate("a");
+    auto leaving = std::make_unique<GraphSink>();
+    GraphSink adding, last;
+    auto late = std::make_unique<GraphSink>();
+    StatGraph::Unregister(late.get());
+    leaving->act = [&] { leaving.reset(); };
+    adding.act = [&] {
+        StatGraph::ChannelCreate("b");
+        StatGraph::Unregister(&last);
+        StatGraph::Register(late.get());
+        adding.act = nullptr;
+    };
+    StatGraph::Update();
+    EXPECT_FALSE(leaving);
+    EXPECT_EQ(last.calls, 0);
+    EXPECT_EQ(late->calls, 0) << "its place had been passed";
+    StatGraph::Update();
+    EXPECT_EQ(late->calls, 1);
+    EXPECT_EQ(late->channels.size(), 2u);
+}
+
+// At unload the channels go first, then each registered sink, once.
+TEST(StatGraphDeathTest, UnloadingDeletesWhatIsRegistered) {
+    class LastWords : public StatGraph::Sink {
+    public:
+        explicit LastWords(char const * word) : word(word) {}
+
+        ~LastWords() override {
+            Names names;
+            StatGraph::ListChannels(names);
+            std::fprintf(stderr, "%s%zu ", word, names.size());
+            StatGraph::Unregister(this);
+        }
+
+        void OnUpdate(Channel const * const *, Channel const * const *, bool) override {}
+
+    private:
+        char const * word;
+    };
+
+    EXPECT_EXIT(
+        {
+            StatGraph::ChannelCreate("left");
+            StatGraph::Sink * const twice = new LastWords("twice");
+            for (StatGraph::Sink * const sink :
+                 {twice, static_cast<StatGraph::Sink *>(new LastWords("once")), twice})
+                StatGraph::Register(sink);
+            std::exit(0);
+        },
+        testing::ExitedWithCode(0), "^twice0 once0 $");
+}
+
+#if defined(__x86_64__)
+TEST(StatGraph, SinksAreCalledByPlace) {
+    EXPECT_TRUE(FollowTheDestructor({SlotOf(&StatGraph::Sink::OnUpdate)}));
+}
+#endif
