@@ -4,7 +4,8 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # What building and testing needs on Debian 12.
-build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libboost-dev liblua5.1-0-dev libcli11-dev libgtest-dev)
+build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libboost-dev liblua5.1-0-dev libcli11-dev libgtest-dev
+                libstb-dev)
 
 # Installs those of the named Debian packages that are missing; asks nothing of apt when all are there.
 need_packages() {

@@ -15,7 +15,21 @@ struct Vector3f {
     float x, y, z;
 
     friend constexpr bool operator==(Vector3f const &, Vector3f const &) = default;
+
+    friend constexpr Vector3f operator+(Vector3f const & a, Vector3f const & b) {
+        return {a.x + b.x, a.y + b.y, a.z + b.z};
+    }
+
+    friend constexpr Vector3f operator-(Vector3f const & a, Vector3f const & b) {
+        return {a.x - b.x, a.y - b.y, a.z - b.z};
+    }
+
+    friend constexpr Vector3f operator*(Vector3f const & a, float factor) {
+        return {a.x * factor, a.y * factor, a.z * factor};
+    }
 };
+
+constexpr float Dot(Vector3f const & a, Vector3f const & b) { return a.x * b.x + a.y * b.y + a.z * b.z; }
 
 struct Vector4f {
     float x, y, z, w;
