@@ -1,5 +1,7 @@
 #include "Cross/Util/BoundVolume.h"
 
+#include "Cross/Util/DebugRender.h"
+
 #include <algorithm>
 #include <bit>
 #include <cmath>
@@ -240,3 +242,13 @@ bool BoundVolume::Intersect(Spheref const & other, Vector3f & point) const {
 }
 
 bool BoundVolume::Intersect(BoundVolume const & other) const { return touch(sphere, other.sphere); }
+
+void BoundVolume::Display() const {
+    DebugRender::Cube box{};
+    putCorners(obb, box.corners);
+    box.colour = MathPrim::Colour::FromWord(0xFF0000FF);
+    DebugRender::Draw(box, DebugRender::GlobalFrame());
+    DebugRender::Draw(
+        DebugRender::Sphere{sphere.center, sphere.radius, MathPrim::Colour::FromWord(0xFFFF0000)},
+        DebugRender::GlobalFrame());
+}

@@ -54,6 +54,9 @@ public:
     bool Intersect(MathPrim::Spheref const & other, Math::Vector3f & point) const;
     bool Intersect(BoundVolume const & other) const;
 
+    // Draws box, in blue, and sphere, in red, into the debug frame "Global".
+    void Display() const;
+
 private:
     MathPrim::OBBf obb;
     MathPrim::Spheref sphere;

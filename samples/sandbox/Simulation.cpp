@@ -4,7 +4,6 @@
 #include "Cross/Util/Dca.h"
 #include "Cross/Util/RunTimeStruct.h"
 #include "Cross/Util/RunTimeStructMember.h"
-#include "Cross/engine/core/Math.h"
 
 #include <bit>
 #include <cmath>
@@ -80,6 +79,12 @@ RunTimeStruct::Layout Simulation::UnitLayout() {
     layout.AddMember(dca::GetKey("heading"), RunTimeStruct::GetTypeInfo_float(), 1);
     layout.AddMember(dca::GetKey("health"), RunTimeStruct::GetTypeInfo_int(), 1);
     return layout;
+}
+
+UnitState Simulation::StateOf(unsigned int unit) const {
+    RunTimeStruct::Buffer const & record = units[unit];
+    return {valueOf(record, members().pos), valueOf(record, members().heading),
+            valueOf(record, members().health), valueOf(record, members().alive)};
 }
 
 void Simulation::Step() {

@@ -6,9 +6,18 @@
 #include "Cross/Util/CRCBlock.h"
 #include "Cross/Util/Random.h"
 #include "Cross/Util/RunTimeStructBuffer.h"
+#include "Cross/engine/core/Math.h"
 
 #include <cstdint>
 #include <vector>
+
+// What a unit's record holds, for those who only look.
+struct UnitState {
+    Math::Vector2f pos; // metres east and north
+    float heading;      // turns, 0 up to 1
+    int health;
+    bool alive;
+};
 
 class Simulation {
 public:
@@ -31,7 +40,9 @@ public:
 
     std::vector<RunTimeStruct::Buffer> const & GetUnits() const { return units; }
 
-    // What a unit's record holds.
+    UnitState StateOf(unsigned int unit) const;
+
+    // The members of a unit's record.
     static RunTimeStruct::Layout UnitLayout();
 
 private:

@@ -57,6 +57,7 @@ void runChecks(Report & report, Game & game, StartUp const & start, Settings con
     CheckScripts(report);
     CheckSettings(report, game);
     CheckConfigFiles(report);
+    CheckInstruments(report, game);
     CheckRecords(report);
     CheckSync(report, settings.desync);
     CheckNothingLeft(report, game);

@@ -1,6 +1,10 @@
 #include "Cross/Util/BoundVolume.h"
 
+#include "samples/debugdraw/RecordingProxy.h"
+
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 #include <cmath>
 #include <cstring>
@@ -239,4 +243,20 @@ TEST(BoundVolume, SpheresTouch) {
     EXPECT_TRUE(volume.Intersect(Spheref{{1, 2, 3}, 0}, point));
     EXPECT_EQ(point, (Vector3f{1, 2, 3})) << "the same centre";
     EXPECT_TRUE(volume.Intersect(Spheref{{c_nan, 2, 3}, 0}, point)) << "no number is not greater";
+}
+
+TEST(BoundVolume, DisplaysBoxAndSphere) {
+    BoundVolume const volume = built({{0, 0, 0}, {2, 4, 4}});
+    volume.Display(); // without a renderer
+    std::ostringstream drawn;
+    RecordingProxy proxy(drawn);
+    DebugRender::Register(&proxy);
+    volume.Display();
+    DebugRender::Unregister(&proxy);
+    EXPECT_EQ(drawn.str(),
+              "{\"call\":\"Draw\",\"shape\":\"Cube\",\"frame\":\"Global\",\"corners\":"
+              "[[2,4,4],[2,4,0],[2,0,0],[2,0,4],[0,4,4],[0,4,0],[0,0,0],[0,0,4]],"
+              "\"colour\":\"0xFF0000FF\",\"flag\":0}\n"
+              "{\"call\":\"Draw\",\"shape\":\"Sphere\",\"frame\":\"Global\",\"centre\":[1,2,2],\"radius\":3,"
+              "\"colour\":\"0xFFFF0000\"}\n");
 }

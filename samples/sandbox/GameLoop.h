@@ -1,0 +1,34 @@
+#pragma once
+
+// The running game: what happens in each frame, in its order, with timing blocks round the parts.
+
+#include "Cross/Util/PerfBlock.h"
+#include "Cross/Util/StatGraph.h"
+#include "samples/sandbox/Game.h"
+#include "samples/sandbox/WorldView.h"
+
+class GameLoop {
+public:
+    static constexpr float c_step = 1.0f / 60.0f; // seconds
+
+    // Enables the channels "simulate", "draw" and "alive". `game` outlives the loop.
+    explicit GameLoop(Game & game);
+    GameLoop(GameLoop const &) = delete;
+    GameLoop & operator=(GameLoop const &) = delete;
+    ~GameLoop();
+
+    // Simulates one step and draws it into the registered renderer, if there is one.
+    void RunFrame();
+
+    WorldView & View() { return view; }
+
+private:
+    void simulate();
+    void draw();
+
+    Game & game;
+    WorldView view;
+    PerfBlock simulateBlock{"simulate"};
+    PerfBlock drawBlock{"draw"};
+    StatGraph::Handle alive;
+};
