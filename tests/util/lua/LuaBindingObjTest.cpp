@@ -282,6 +282,14 @@ TEST(LuaLibraryTest, StatesAndLibrariesMayComeInAnyOrder) {
                                "early releases third", "late releases first", "early releases first"}));
 }
 
+// The order in which the library's objects come up at load, which scripts see as the order of registration.
+TEST(LuaLibraryTest, TheLibrariesStandInTheirOrder) {
+    Texts names;
+    LuaLibMan::VisitLibraries([&names](char const * name, LuaLibrary &) { names.push_back(name); });
+    EXPECT_EQ(names,
+              (Texts{"renderstats", "debugrender", "inventory", "statgraph", "systemconfig", "warninglib"}));
+}
+
 namespace {
 
 struct DumpKind : inventory::Kind<Inv::NamedResource> {
