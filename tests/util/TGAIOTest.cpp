@@ -269,7 +269,7 @@ TEST_F(TGAIOTest, ReadsAsAnotherReaderDoes) {
         for (unsigned int y = height; y-- > 0;)
             for (unsigned int x = 0; x < width; ++x) {
                 stbi_uc const * const pixel = peer + 4 * (y * width + x);
-                for (unsigned int const channel : {2, 1, 0, 3})
+                for (unsigned int const channel : {2u, 1u, 0u, 3u})
                     want += static_cast<char>(pixel[channel]);
             }
         stbi_image_free(peer);

@@ -35,6 +35,8 @@ public:
     // Null takes the converter away.
     void SetConverter(ByteStreamConverter * newConverter) { converter = newConverter; }
 
+    char const * GetStreamName() const { return stream->GetStreamName(); }
+
     unsigned int GetStreamPos() const { return stream->GetPos(); }
 
     void SetStreamPos(unsigned int position) { stream->SetPos(position); }
