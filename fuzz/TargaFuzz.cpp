@@ -61,6 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     demand(loaded == !room.pixels.empty());
     if (!loaded)
         return 0;
+    std::filesystem::remove(file.path); // a save over a file waits for the disk
     auto const bytes = static_cast<unsigned int>(room.pixels.size() * sizeof(MathPrim::Colour));
     demand(TGAIO::Save(file.path.c_str(), room.width, room.height, 32, bytes, room.pixels.data()));
     demand(TGAIO::Load(file.path.c_str(), again));

@@ -53,8 +53,8 @@ std::int32_t readCount(Chunky & file) {
 template <class Number, class T>
 void readAll(Chunky & file, std::vector<T> & values, std::int32_t count) {
     values.resize(static_cast<std::size_t>(count));
-    file.Read(reinterpret_cast<Number *>(values.data()),
-              static_cast<unsigned int>(values.size() * (sizeof(T) / sizeof(Number))));
+    std::size_t const bytes = values.size() * sizeof(T);
+    file.Read(reinterpret_cast<Number *>(values.data()), static_cast<unsigned int>(bytes / sizeof(Number)));
 }
 
 // By values, which takes many at once where std::max_element keeps a place.

@@ -67,7 +67,7 @@ Range rangeOf(Vector3f const * points, unsigned int count) {
     std::size_t const total = std::size_t{count} * c_axes;
     std::size_t done = 0;
     for (; done + c_floatsAtOnce <= total; done += c_floatsAtOnce)
-        for (unsigned int i = 0; i < c_axes; ++i)
+        for (std::size_t i = 0; i < c_axes; ++i)
             lanes[i].Take(loadLanes(floats + done + i * 4));
 
     float min[c_axes] = {c_largest, c_largest, c_largest};

@@ -1,15 +1,13 @@
 #include "Cross/Util/BoundVolume.h"
-
-#include "samples/debugdraw/RecordingProxy.h"
+#include "tests/support/ActingProxy.h"
 
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 #include <cmath>
 #include <cstring>
 #include <limits>
 #include <random>
+#include <sstream>
 #include <type_traits>
 #include <vector>
 
@@ -105,8 +103,8 @@ TEST(BoundVolume, BuildTakesTheRangeBitForBit) {
     for (unsigned int count = 1; count < 40; ++count)
         for (unsigned int kind = 0; kind < 60; ++kind) {
             auto const pick = [&] {
-                if (kind % 3 > 0 && random() % 4 < kind % 3)
-                    return odd[random() % (kind % 2 ? 3 : 6)];
+                if (random() % 4 < kind % 5)
+                    return odd[random() % (kind % 2 ? 6 : 3)];
                 return static_cast<float>(random() % 2000) * (kind < 30 ? 0.1f : -0.1f);
             };
             std::vector<Vector3f> points(count);
@@ -245,18 +243,23 @@ TEST(BoundVolume, SpheresTouch) {
     EXPECT_TRUE(volume.Intersect(Spheref{{c_nan, 2, 3}, 0}, point)) << "no number is not greater";
 }
 
-TEST(BoundVolume, DisplaysBoxAndSphere) {
-    BoundVolume const volume = built({{0, 0, 0}, {2, 4, 4}});
-    volume.Display(); // without a renderer
-    std::ostringstream drawn;
-    RecordingProxy proxy(drawn);
+TEST(BoundVolume, DisplayDrawsBoxAndSphere) {
+    BoundVolume const volume = volumeOf(OBBf{{1, 2, 3}, {2, 3, 6}, c_quarterTurn});
+    std::ostringstream out;
+    ActingProxy<DebugRender::Cube> proxy(out);
     DebugRender::Register(&proxy);
     volume.Display();
-    DebugRender::Unregister(&proxy);
-    EXPECT_EQ(drawn.str(),
-              "{\"call\":\"Draw\",\"shape\":\"Cube\",\"frame\":\"Global\",\"corners\":"
-              "[[2,4,4],[2,4,0],[2,0,0],[2,0,4],[0,4,4],[0,4,0],[0,0,0],[0,0,4]],"
-              "\"colour\":\"0xFF0000FF\",\"flag\":0}\n"
-              "{\"call\":\"Draw\",\"shape\":\"Sphere\",\"frame\":\"Global\",\"centre\":[1,2,2],\"radius\":3,"
-              "\"colour\":\"0xFFFF0000\"}\n");
+    char const * const c_cube =
+        R"({"call":"Draw","shape":"Cube","frame":"Global","corners":[[-2,4,9],[-2,4,-3],[4,4,-3],[4,4,9],)"
+        R"([-2,0,9],[-2,0,-3],[4,0,-3],[4,0,9]],"colour":"0xFF0000FF","flag":0})";
+    char const * const c_sphere =
+        R"({"call":"Draw","shape":"Sphere","frame":"Global","centre":[1,2,3],"radius":7,"colour":"0xFFFF0000"})";
+    EXPECT_EQ(out.str(), std::string(c_cube) + "\n" + c_sphere + "\n");
+
+    out.str("");
+    proxy.act = [&] { DebugRender::Unregister(&proxy); };
+    volume.Display();
+    EXPECT_EQ(out.str(), std::string(c_cube) + "\n") << "a proxy that left is not called again";
+    volume.Display();
+    EXPECT_EQ(DebugRender::s_pProxy, nullptr);
 }
