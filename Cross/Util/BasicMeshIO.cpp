@@ -57,7 +57,7 @@ void readAll(Chunky & file, std::vector<T> & values, std::int32_t count) {
     file.Read(reinterpret_cast<Number *>(values.data()), static_cast<unsigned int>(bytes / sizeof(Number)));
 }
 
-// By values, which takes many at once where std::max_element keeps a place.
+// A plain loop takes many values at once, which std::max_element does not.
 std::uint16_t largestOf(std::vector<std::uint16_t> const & indices) {
     std::uint16_t largest = 0;
     for (std::uint16_t const index : indices)
@@ -89,9 +89,10 @@ Mesh readMesh(Chunky & file) {
 void appendTriangles(Mesh const & from, std::vector<MathPrim::MeshTriangle> & triangles) {
     triangles.reserve(triangles.size() + from.indices.size() / 3);
     for (std::size_t i = 0; i < from.indices.size(); i += 3) {
-        Vector3f const & first = from.vertices[from.indices[i]];
-        triangles.push_back(
-            {first, from.vertices[from.indices[i + 1]] - first, from.vertices[from.indices[i + 2]] - first});
+        Vector3f const first = from.vertices[from.indices[i]];
+        Vector3f const second = from.vertices[from.indices[i + 1]];
+        Vector3f const third = from.vertices[from.indices[i + 2]];
+        triangles.push_back({first, second - first, third - first});
     }
 }
 

@@ -4,8 +4,8 @@
 // points and rays look at the box, tests of spheres and volumes at the sphere: the caller chooses what a test
 // costs. No test asks whether the volume is valid; one that is not is a point at the origin.
 //
-// A plain value: it owns nothing and is copied as it stands. Numbers that are no numbers are taken as they
-// come, and make the results no numbers.
+// A plain value: it owns nothing and is copied as it stands. NaN is no error: Build leaves it out of the
+// range, and a test that meets it takes it for inside.
 
 #include "Cross/engine/core/Export.h"
 #include "Cross/engine/core/MathPrim.h"
