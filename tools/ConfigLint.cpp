@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <map>
+#include <optional>
 #include <utility>
 
 namespace {
@@ -23,14 +24,8 @@ public:
     explicit Lint(ByteStream & stream) : reader(stream) {}
 
     ConfigReport Run() {
-        for (std::string_view text; reader.Next(text);) {
-            findLineEnds(text);
-            if (lineNumber == 1 && text.starts_with("\xEF\xBB\xBF"))
-                find("begins with a byte order mark, which counts as text of the line");
-            take(configlines::Parse(text));
-            lineNumber += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
-            lineNumber += reader.IsEnded() ? 1 : 0;
-        }
+        for (std::string_view text; reader.Next(text);)
+            takePiece(text);
         report.sections = sections.size();
         if (sections.empty())
             find("there is no section header: the file does not load");
@@ -40,11 +35,30 @@ public:
 private:
     void find(std::string reason) { report.findings.push_back({lineNumber, std::move(reason)}); }
 
-    void findLineEnds(std::string_view text) {
-        if (text.find('\n') != std::string_view::npos)
-            find("ends with LF alone: the next line counts as part of it");
-        if (!reader.IsEnded() && text.size() == configlines::c_longestLine)
+    void takePiece(std::string_view text) {
+        if (isRest(text))
             find("is cut at 1023 bytes: the rest counts as the next line");
+        std::string_view const line = configlines::Trimmed(text);
+        auto const blanks = static_cast<std::size_t>(line.data() - text.data());
+        countLineFeeds(text.substr(0, blanks));
+        if (line.find('\n') != std::string_view::npos)
+            find("ends with LF alone: the next line counts as part of it");
+        if (lineNumber == 1 && line.starts_with("\xEF\xBB\xBF"))
+            find("begins with a byte order mark, which counts as text of the line");
+        take(configlines::Parse(line));
+        countLineFeeds(text.substr(blanks));
+        lineNumber += reader.IsEnded() ? 1 : 0;
+        openEnd = reader.IsEnded() ? std::nullopt : std::optional(text.back());
+    }
+
+    // Whether the piece goes on with the line before it, and not just with the end of that line.
+    bool isRest(std::string_view text) const {
+        bool const isLineEnd = text.empty() || (openEnd == '\r' && text.front() == '\n');
+        return openEnd.has_value() && !isLineEnd;
+    }
+
+    void countLineFeeds(std::string_view text) {
+        lineNumber += static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
     }
 
     void take(configlines::Line const & line) {
@@ -83,6 +97,7 @@ private:
     configlines::Reader reader;
     ConfigReport report;
     std::size_t lineNumber = 1;
+    std::optional<char> openEnd; // last byte of the piece before, when its line has no end yet
     std::map<std::string, std::map<std::string, std::size_t>> sections; // keys with their lines
     std::map<std::string, std::size_t> * section = nullptr;
 };

@@ -78,6 +78,8 @@ public:
 
     // Set a key of the current section, which is created if need be. False, and nothing has changed, for a
     // null or empty key, a null value, and for '=', ';' or a CR LF in either, which a file could not hold.
+    // What is taken may still not come back from one: blanks around either go, a key that begins with '['
+    // reads as a header or not at all, and key and value have 1,022 characters in a line.
     bool SetString(char const * key, char const * value);
     bool SetInt(char const * key, int value);
 

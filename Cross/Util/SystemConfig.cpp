@@ -50,9 +50,8 @@ unsigned int SystemConfig::GetSetting(Dictionary::Key const & key) const {
 }
 
 void SystemConfig::SetSetting(Dictionary::Key const & key, unsigned int value) {
-    Dictionary::Key const own = key; // the caller's may lie in what a listener changes
-    unsigned int const oldValue = store(own, value);
-    notify(own, oldValue, value, false);
+    unsigned int const oldValue = store(key, value);
+    notify(key, oldValue, value, false);
 }
 
 void SystemConfig::SetSetting(std::vector<std::pair<Dictionary::Key, unsigned int>> const & list) {
@@ -139,7 +138,7 @@ unsigned int SystemConfig::store(Dictionary::Key key, unsigned int value) {
 }
 
 // A listener may change the list while it is called: each step finds the next one by its id, and those that
-// came meanwhile are left out.
+// came meanwhile are left out. The key is a copy, since the caller's may lie in what a listener changes.
 void SystemConfig::notify(Dictionary::Key key, unsigned int oldValue, unsigned int newValue,
                           bool toAll) const {
     unsigned int const lastID = lastCallbackID;

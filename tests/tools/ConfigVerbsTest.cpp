@@ -40,6 +40,7 @@ TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
 
     std::string const malformed = "is dropped: neither [section], key=value nor a comment\n";
     std::string const feed = "ends with LF alone: the next line counts as part of it\n";
+    std::string const longName = "has a name of more than 255 characters, which no program can ask for\n";
     std::string const noHeader = "there is no section header: the file does not load\n";
     Case const c_cases[] = {
         {"[a]\r\nx=1\r\n\r\n; note\r\n[A]\r\ny=2", ""},
@@ -54,8 +55,12 @@ TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
              "2: is dropped: the key \"x\" stands in front of the first header\n3: " + noHeader},
         {"[a]\r\nk=" + std::string(1022, 'x') + "\r\nword\r\n",
          "2: is cut at 1023 bytes: the rest counts as the next line\n2: " + malformed + "3: " + malformed},
-        {"[a]\r\n" + std::string(256, 'k') + "=1\r\n",
-         "2: has a name of more than 255 characters, which no program can ask for\n"},
+        // an end that does not fit is no text that is cut, and LF around a line joins nothing
+        {"[a]\r\nk=" + std::string(1020, 'x') + "\r\nword\r\n", "3: " + malformed},
+        {"[a]\r\nk=" + std::string(1021, 'x') + "\r\nword\r\nl=" + std::string(1021, 'x'), "3: " + malformed},
+        {"[a]\r\n\n\nx=1\r\nword\r\ny=1\n", "5: " + malformed},
+        {"[" + std::string(256, 's') + "]\r\n" + std::string(256, 'k') + "=1\r\n",
+         "1: " + longName + "2: " + longName},
         {"", "1: " + noHeader},
     };
     for (Case const & test : c_cases)
@@ -65,15 +70,15 @@ TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
 TEST(ConfigLint, TheVerbNamesFileAndLine) {
     TemporaryFolder const folder;
     folder.WriteFile("good.ini", "[a]\r\nx=1\r\n");
-    folder.WriteFile("bad.ini", "[a]\r\nword\r\n");
+    folder.WriteFile("bad.ini", "[a]\r\nx=1\r\nx=2\r\n");
     std::string const good = folder / "good.ini", bad = folder / "bad.ini", none = folder / "none.ini";
     Result result = run({"config", "lint", good.c_str()});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(result.text, "good: " + good + ": 1 sections, 1 entries\n");
     result = run({"config", "lint", bad.c_str()});
     EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.text, "1 findings: " + bad + ": 1 sections, 0 entries load\n" + bad +
-                               ":2: is dropped: neither [section], key=value nor a comment\n");
+    EXPECT_EQ(result.text, "1 findings: " + bad + ": 1 sections, 1 entries load\n" + bad +
+                               ":3: is dropped: the key \"x\" stands in line 2\n");
     EXPECT_EQ(run({"config", "lint", none.c_str()}).code, 2);
 }
 

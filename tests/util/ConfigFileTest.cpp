@@ -1,5 +1,6 @@
 #include "Cross/Util/ConfigFile.h"
 
+#include "Cross/engine/filesystem/FileStream.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceCapture.h"
@@ -52,7 +53,7 @@ TEST(ConfigFile, ReadsTheFormat) {
          "[Video]\r\nWidth=1\r\n[AUDIO]\r\n[video]\r\nWIDTH=2\r\nHeight=3\r\n",
          "[audio][video]height=3;width=1;"},
         {"blanks go, further '=' stay, ';' is text behind other text",
-         "  [ A b ]  \r\n\t key = a=b \r\n n=v ; note\r\n\v\r\n", "[a b]key=a=b;n=v ; note;"},
+         "  [ A b ]  \r\n\t\v key = a=b \f\r\n n=v ; note\r\n\v\r\n", "[a b]key=a=b;n=v ; note;"},
         {"comments and malformed lines are skipped",
          "[s]\r\n; x=1\r\n[open\r\n=1\r\nnothing\r\n  = 2\r\nempty=\r\n", "[s]empty=;"},
         {"keys in front of the first header are lost", "a=1\r\n[s]\r\nb=2\r\n", "[s]b=2;"},
@@ -85,17 +86,34 @@ TEST(ConfigFile, TheFirstHeaderOfTheFileIsCurrent) {
     EXPECT_STREQ(file.GetSectionAt(2), "");
     EXPECT_STREQ(file.GetKeyAt(0), "x");
     EXPECT_STREQ(file.GetKeyAt(1), "");
+    FilledStream unnamed("[]\r\n[b]\r\n");
+    EXPECT_TRUE(file.Load(static_cast<ByteStream *>(unnamed)));
+    EXPECT_STREQ(file.GetSection(), "");
+}
+
+// More than is read from the stream at a time, so that lines and their ends lie across the borders.
+TEST(ConfigFile, ReadsBigFiles) {
+    std::string text = "[s]\r\n", content = "[s]";
+    for (int i = 100; i < 600; ++i) {
+        std::string const line = std::to_string(i) + "=" + std::string(static_cast<std::size_t>(i), 'v');
+        text += line + "\r\n";
+        content += line + ";";
+    }
+    EXPECT_EQ(parsed(text), content);
 }
 
 TEST(ConfigFile, SetSectionMovesOrTells) {
-    FilledStream stream("[section one]\r\na=1\r\n[b]\r\n");
+    std::string const longName(255, 'n');
+    FilledStream stream("[section one]\r\na=1\r\n[b]\r\n[" + longName + "]\r\n");
     ConfigFile file;
     file.Load(static_cast<ByteStream *>(stream));
     char previous[4] = "xyz";
     EXPECT_FALSE(file.SetSection(nullptr, previous, sizeof(previous)));
     EXPECT_STREQ(previous, "sec");
-    EXPECT_FALSE(file.SetSection(std::string(256, 'b').c_str(), previous, 0));
+    EXPECT_FALSE(file.SetSection((longName + "n").c_str(), previous, 0));
     EXPECT_STREQ(file.GetSection(), "section one");
+    EXPECT_TRUE(file.SetSection(longName.c_str(), nullptr, 0));
+    EXPECT_TRUE(file.SetSection("section one", nullptr, 0));
     EXPECT_TRUE(file.SetSection("B", nullptr, 4));
     EXPECT_STREQ(file.GetSection(), "b");
     char both[16] = "SECTION ONE"; // the name is read before it is overwritten
@@ -106,7 +124,7 @@ TEST(ConfigFile, SetSectionMovesOrTells) {
     EXPECT_STREQ(file.GetSection(), "");
     EXPECT_EQ(file.GetKeyCount(), 0u);
     EXPECT_EQ(file.GetKeyAt(0), nullptr);
-    EXPECT_EQ(file.GetSectionCount(), 2u);
+    EXPECT_EQ(file.GetSectionCount(), 3u);
 }
 
 TEST(ConfigFile, GetStringFitsOrFails) {
@@ -120,6 +138,7 @@ TEST(ConfigFile, GetStringFitsOrFails) {
     EXPECT_FALSE(file.GetString("", buffer, 8));
     EXPECT_FALSE(file.GetString(nullptr, buffer, 8));
     EXPECT_FALSE(file.GetString("key", buffer, 0));
+    EXPECT_FALSE(file.GetString("key", nullptr, 8));
     EXPECT_STREQ(buffer, "value") << "these touch nothing";
     EXPECT_FALSE(file.GetString("none", buffer, 8));
     EXPECT_STREQ(buffer, "");
@@ -212,6 +231,7 @@ TEST(ConfigFile, FilesThatDoNotOpen) {
     EXPECT_TRUE(file.Load(static_cast<char16_t const *>(nullptr)));
     EXPECT_EQ(contentOf(file), "[s]a=1;") << "a null name changes nothing";
     EXPECT_FALSE(file.Load((folder / "none.ini").c_str()));
+    EXPECT_STREQ(file.GetSection(), "");
     EXPECT_EQ(contentOf(file), "");
     EXPECT_EQ(std::u16string(file.GetFilename()), wide(folder / "none.ini"));
     EXPECT_FALSE(file.Load("\xFF\xFE"));
@@ -222,4 +242,19 @@ TEST(ConfigFile, FilesThatDoNotOpen) {
     EXPECT_FALSE(file.Save(wide(inFile).c_str()));
     ASSERT_EQ(trace.lines.size(), 1u);
     EXPECT_NE(trace.lines[0].find("Couldn't open config file " + inFile + " for writing"), std::string::npos);
+}
+
+TEST(ConfigFile, AFailedSaveKeepsTheOldFile) {
+    TemporaryFolder const folder;
+    folder.WriteFile("old.ini", "[s]\r\na=1\r\n");
+    ConfigFile file((folder / "old.ini").c_str());
+    file.SetString("a", "2");
+    TraceCapture trace;
+    FileFaults::Instance().failingWrite = 1;
+    EXPECT_FALSE(file.Save(nullptr));
+    FileFaults::Instance().Clear();
+    EXPECT_EQ(folder.ReadFile("old.ini"), "[s]\r\na=1\r\n");
+    EXPECT_EQ(folder.CountEntries(), 1u);
+    ASSERT_EQ(trace.lines.size(), 2u) << "the first one is the stream's";
+    EXPECT_NE(trace.lines[1].find("Couldn't write config file " + folder / "old.ini"), std::string::npos);
 }

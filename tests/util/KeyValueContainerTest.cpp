@@ -1,11 +1,13 @@
 #include "Cross/Util/KeyValueContainer.h"
 #include "Cross/Util/KeyValueContainerIO.h"
 
+#include "tests/support/FailingStream.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TraceCapture.h"
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <map>
 
 namespace {
@@ -116,9 +118,10 @@ TEST(KeyValueContainer, PrintsItsEntries) {
 TEST(KeyValueContainer, ShutdownForgetsTheNames) {
     KeyValueContainer container;
     container.Set("speed", 1.0f);
+    container.SetString("name", "x");
     KeyValueContainer::Shutdown();
     EXPECT_STREQ(container.At(0), "");
-    EXPECT_FALSE(container.Check("speed"));
+    EXPECT_FALSE(container.Check("speed") || container.CheckString("name"));
     KeyValueContainer().Set("speed", 2.0f);
     EXPECT_EQ(container.Retrieve("speed"), 1.0f);
 }
@@ -126,9 +129,11 @@ TEST(KeyValueContainer, ShutdownForgetsTheNames) {
 TEST(KeyValueContainerIO, ComesBack) {
     KeyValueContainer container, copy;
     container.Set("speed", 0.1f);
-    container.Set("7", -3.0f);
+    container.Set("end", -3.0f);
+    container.Set("none", -std::numeric_limits<float>::infinity());
     container.SetString("Name", "a \"quoted\"\nline");
-    container.SetString("end", "");
+    for (char const * const odd : {"7", "007", "", "while", "two words", "\"\r\n"})
+        container.SetString(odd, odd);
     FilledStream stream;
     EXPECT_TRUE(KeyValueContainerIO::Save(container, stream, "box"));
     stream->SetPos(0);
@@ -145,6 +150,14 @@ TEST(KeyValueContainerIO, ComesBack) {
     EXPECT_TRUE(other.Empty());
 }
 
+TEST(KeyValueContainerIO, AFailedSaveIsTold) {
+    KeyValueContainer container;
+    FilledStream memory;
+    FailingStream stream(memory, 5);
+    TraceCapture trace;
+    EXPECT_FALSE(KeyValueContainerIO::Save(container, stream, "box"));
+}
+
 TEST(KeyValueContainerIO, TakesWhatPeopleWrite) {
     TraceCapture trace;
 
@@ -157,6 +170,7 @@ TEST(KeyValueContainerIO, TakesWhatPeopleWrite) {
 
     Case const c_cases[] = {
         {"no script", "box = {", false, {}},
+        {"a script that fails late", "box = { a = 1 } error()", false, {}},
         {"no tables", "x = 1", true, {}},
         {"a name that is no table", "box = 3 box_strings = 'x'", true, {}},
         {"fields of other kinds",

@@ -1,5 +1,6 @@
 #include "Cross/Util/SystemConfig.h"
 
+#include "Cross/engine/filesystem/FileStream.h"
 #include "Cross/engine/platform/Options.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "tests/support/AliasedFolder.h"
@@ -8,12 +9,35 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <map>
 
 namespace {
 
 unsigned int const c_notSet = SystemConfig::NOT_SET;
 
 Dictionary::Key key(char const * name) { return Dictionary::Instance().GetKey(name); }
+
+using Saved = std::map<std::string, std::string>;
+
+// The settings of a file that was saved, as "value/valueType" by name.
+Saved savedIn(std::string const & script) {
+    LuaConfig state("", false);
+    std::uint32_t version = 0;
+    EXPECT_TRUE(state.RunString(script.c_str(), true) && LCGetULong(state, "version", version)) << script;
+    EXPECT_EQ(version, 1007u);
+    state.PushTable("configuration");
+    Saved saved;
+    for (unsigned int i = 1; i <= state.CountEntry(); ++i) {
+        std::string name;
+        std::uint32_t value = 0, valueType = 0;
+        state.PushTable(i);
+        EXPECT_TRUE(state.GetString("setting", name) && LCGetULong(state, "value", value) &&
+                    LCGetULong(state, "valueType", valueType));
+        saved[name] = std::to_string(value) + "/" + std::to_string(valueType);
+        state.PopTable();
+    }
+    return saved;
+}
 
 // What stands on the command line while it lives.
 class CommandLine {
@@ -60,7 +84,10 @@ protected:
     bool Run(char const * script, bool ignoreVersion = true) {
         LuaConfig state("", false);
         EXPECT_TRUE(state.RunString(script, true)) << script;
-        return config->Load(state, ignoreVersion);
+        state.SetNumber("of the globals", 0);
+        bool const loaded = config->Load(state, ignoreVersion);
+        EXPECT_EQ(state.GetType("of the globals"), LuaConfig::LT_NUMBER) << "the cursor is back";
+        return loaded;
     }
 
     unsigned int Get(char const * name) const { return config->GetSetting(key(name)); }
@@ -177,8 +204,8 @@ TEST_F(SystemConfigTest, MemoryIsEstimatedInKilobytes) {
     EXPECT_EQ(cost("shadows", 2) + cost("shadows", -1) + cost("tanks", 0) + cost("none", 0), 0u);
     Run("configuration = { { setting = 'shadows', value = 1, memoryUsed = {} } }");
     EXPECT_EQ(cost("shadows", 1), 1536u) << "an empty list replaces nothing";
-    Run("configuration = { { setting = 'shadows', value = 1, memoryUsed = { 10, 20, nil, 40 } } }");
-    EXPECT_EQ(cost("shadows", 1), 20480u);
+    Run("configuration = { { setting = 'shadows', value = 1, memoryUsed = { 10, 20.0009, nil, 40 } } }");
+    EXPECT_EQ(cost("shadows", 1), 20480u) << "what is less than a kilobyte is cut";
     EXPECT_EQ(cost("shadows", 2) + cost("shadows", 3), 0u) << "a hole ends the list";
 }
 
@@ -243,31 +270,16 @@ TEST_F(SystemConfigTest, SavesWhatLoadsAgain) {
     CommandLine const line({"-tanks=7"});
     config->SetSetting(key("Created"), 9);
     config->SetSetting(key("none"), c_notSet);
+    EXPECT_TRUE(Run("configuration = { { setting = 'tanks', value = 4, valueType = 1 } }"));
     ASSERT_TRUE(config->Save("SAVES:user.lua"));
-    std::string const saved = folder.ReadFile("user.lua");
-    EXPECT_NE(saved.find("version = 1007"), std::string::npos) << saved;
-    LuaConfig state("", false);
-    ASSERT_TRUE(state.RunString(saved.c_str(), true));
-    state.PushTable("configuration");
-    std::map<std::string, std::string> content;
-    for (unsigned int i = 1; i <= state.CountEntry(); ++i) {
-        std::string name;
-        std::uint32_t value = 0, valueType = 0;
-        state.PushTable(i);
-        EXPECT_TRUE(state.GetString("setting", name) && LCGetULong(state, "value", value) &&
-                    LCGetULong(state, "valueType", valueType));
-        content[name] = std::to_string(value) + "/" + std::to_string(valueType);
-        state.PopTable();
-    }
-    EXPECT_EQ(content,
-              (std::map<std::string, std::string>{
-                  {"tanks", "3/2"}, {"shadows", "0/1"}, {"created", "9/3"}, {"none", "4294967295/3"}}))
-        << "stored values, names in lower case";
+    EXPECT_EQ(savedIn(folder.ReadFile("user.lua")),
+              (Saved{{"tanks", "4/2"}, {"shadows", "0/1"}, {"created", "9/3"}, {"none", "4294967295/3"}}))
+        << "stored values and kinds, names in lower case";
 
     for (char const * const name : {"tanks", "created"})
         config->SetSetting(key(name), 100);
     EXPECT_TRUE(config->Load("SAVES:user.lua", false));
-    EXPECT_EQ(Get("tanks"), 3u);
+    EXPECT_EQ(Get("tanks"), 4u);
     EXPECT_EQ(Get("created"), 9u);
     EXPECT_EQ(config->GetEstimatedMemoryUsage(key("shadows"), 1), 1536u);
 
@@ -275,6 +287,26 @@ TEST_F(SystemConfigTest, SavesWhatLoadsAgain) {
     EXPECT_TRUE(config->Save((folder / "user.lua").c_str())) << "a real path";
     EXPECT_TRUE(config->Load((folder / "user.lua").c_str(), false));
     EXPECT_EQ(Get("created"), 10u);
+
+    SystemConfig::Shutdown();
+    SystemConfig::Initialize();
+    config = SystemConfig::Instance();
+    EXPECT_TRUE(config->Load("SAVES:user.lua", false) && config->Save("SAVES:user.lua"));
+    EXPECT_EQ(savedIn(folder.ReadFile("user.lua")),
+              (Saved{{"tanks", "4/2"}, {"shadows", "0/1"}, {"created", "10/2"}, {"none", "4294967295/2"}}))
+        << "what a file defines is a switch or a number";
+}
+
+TEST_F(SystemConfigTest, AFailedSaveKeepsTheOldFile) {
+    AliasedFolder const folder("SAVES");
+    folder.WriteFile("user.lua", "old");
+    FileFaults::Instance().failingWrite = 1;
+    EXPECT_FALSE(config->Save("SAVES:user.lua"));
+    FileFaults::Instance().Clear();
+    EXPECT_NE(trace.lines.back().find("SYSTEMCONFIG -- Failed to save configuration to 'SAVES:user.lua'."),
+              std::string::npos);
+    EXPECT_EQ(folder.ReadFile("user.lua"), "old");
+    EXPECT_EQ(folder.CountEntries(), 1u);
 }
 
 TEST_F(SystemConfigTest, FilesThatCannotBeUsedAreTraced) {
@@ -332,6 +364,7 @@ TEST(SystemConfigStart, LoadsItsDefaultFile) {
 // What scripts see of the settings.
 TEST_F(SystemConfigTest, ScriptsSetReadLoadAndSave) {
     AliasedFolder const folder("SAVES");
+    folder.WriteFile("unversioned.lua", "configuration = { { setting = 'tanks', value = 5 } }");
     LuaConfig state("script", true);
     std::vector<std::string> & lines = trace.lines;
 
@@ -357,6 +390,8 @@ TEST_F(SystemConfigTest, ScriptsSetReadLoadAndSave) {
         {"sysconfig_save('SAVES:user.lua') sysconfig_setsetting('tanks', 1) sysconfig_load('SAVES:user.lua')"
          " sysconfig_getsetting('tanks')",
          true, "SYSTEMCONFIG -- 'tanks': 12"},
+        {"sysconfig_load('SAVES:unversioned.lua') sysconfig_getsetting('tanks')", true,
+         "SYSTEMCONFIG -- 'tanks': 12"},
         {"sysconfig_load('SAVES:none.lua')", true, "Failed to load"},
     };
     for (Case const & test : c_cases) {
@@ -373,5 +408,5 @@ TEST_F(SystemConfigTest, ScriptsSetReadLoadAndSave) {
                                 " sysconfig_save('SAVES:new.lua') sysconfig_getsetting('tanks')",
                                 true));
     EXPECT_NE(lines.back().find("'tanks' is not set."), std::string::npos);
-    EXPECT_EQ(folder.CountEntries(), 1u);
+    EXPECT_EQ(folder.CountEntries(), 2u);
 }
