@@ -44,6 +44,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddSyncVerbs(app, job);
     AddConfigVerbs(app, job);
     AddSettingsVerbs(app, job);
+    AddStatsVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {

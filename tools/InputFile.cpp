@@ -27,3 +27,8 @@ ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string
         findings.push_back(path + ": " + whyNotOpen(path));
     return stream;
 }
+
+bool IsSameFile(std::string const & left, std::string const & right) {
+    std::error_code error;
+    return std::filesystem::equivalent(left, right, error);
+}

@@ -9,3 +9,6 @@
 
 // Opens a file by its plain path. Empty, with the reason in `findings`, when it cannot be opened.
 ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string> & findings);
+
+// Whether two paths lead to one existing file, which a verb would then overwrite.
+bool IsSameFile(std::string const & left, std::string const & right);

@@ -30,11 +30,6 @@ std::string withoutAlias(std::string const & path) {
     return path.find(':') < path.find('/') ? "./" + path : path;
 }
 
-bool isSameFile(std::string const & left, std::string const & right) {
-    std::error_code error;
-    return std::filesystem::equivalent(left, right, error);
-}
-
 // Names with a line break in them cannot stand in a list of lines.
 bool saveNames(std::string const & path, std::set<std::string> const & names) {
     ByteStreamProxy const stream(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamWrite, false));
@@ -66,7 +61,7 @@ ExitCode saveTable(BuildArguments const & arguments, BinaryConfigCreator const &
 
 ExitCode build(BuildArguments const & arguments, Output const & output) {
     for (std::string const & written : {arguments.target, arguments.names})
-        if (isSameFile(arguments.source, written))
+        if (IsSameFile(arguments.source, written))
             return Fail(output, {written + ": would overwrite the source"});
     Lines reasons;
     ByteStreamProxy const stream = OpenForReading(arguments.source, reasons);

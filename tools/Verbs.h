@@ -43,6 +43,7 @@ ExitCode Fail(Output const & output, Lines const & reasons);
 void AddConfigVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
 void AddSettingsVerbs(CLI::App & app, Job & job);
+void AddStatsVerbs(CLI::App & app, Job & job);
 void AddSyncVerbs(CLI::App & app, Job & job);
 void AddTableVerbs(CLI::App & app, Job & job);
 

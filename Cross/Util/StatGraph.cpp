@@ -131,11 +131,11 @@ void StatGraph::ChannelSubmit(Handle const & handle, float value) {
         return;
     Channel & channel = *handle.channel;
     float & sample = channel.samples[channel.index];
-    channel.sum -= sample;
+    float const sumOfOthers = channel.sum - sample;
     sample = value;
     if (--channel.countdown == 0 || value > channel.max)
         rescale(channel);
-    channel.sum += sample;
+    channel.sum = sumOfOthers + value;
     channel.average = channel.sum / static_cast<float>(c_ringSize);
     if (++channel.index == c_ringSize)
         channel.index = 0;

@@ -1,12 +1,11 @@
 #include "tools/syncdiff/SyncDiff.h"
 
 #include "Cross/engine/core/Text.h"
+#include "tools/LineReader.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cstdlib>
-#include <cstring>
-#include <stdexcept>
 #include <string_view>
 
 namespace {
@@ -45,91 +44,40 @@ bool opensGroup(std::string_view line) { return line.ends_with('{') && withoutIn
 
 bool closesGroup(std::string_view line) { return line.ends_with('}') && withoutIndent(line) == "}"; }
 
-// The lines of a stream, read in blocks.
-class LineReader {
+// The lines of a printed block.
+class BlockReader : public LineReader {
 public:
-    explicit LineReader(ByteStream & stream) : stream(stream), buffer(2 * c_longestLine, 0) {}
+    explicit BlockReader(ByteStream & stream)
+        : LineReader(stream, c_longestLine, "the line is longer than a printed block has") {}
 
-    // The next line, or again the one that was put back. False at the end. The view lasts until the next
-    // call.
+    // Goes on to the next line, or again to the one that was put back. False at the end.
     bool Next() {
         if (isPutBack) {
             isPutBack = false;
             return true;
         }
-        std::size_t const length = findLine();
-        if (length == 0)
+        if (!LineReader::Next())
             return false;
-        line = std::string_view(buffer).substr(begin, length);
-        begin += length;
-        ++number;
-        if (line.ends_with('\n'))
-            line.remove_suffix(1);
-        if (line.ends_with('\r'))
-            line.remove_suffix(1);
         keepFollowing();
         return true;
     }
 
     void PutBack() { isPutBack = true; }
 
-    std::string_view Line() const { return line; }
-
-    SyncLine Copy() const { return {number, std::string(line)}; }
+    SyncLine Copy() const { return {Number(), std::string(Line())}; }
 
     // Copies the next few lines as they come.
     void KeepFollowing(std::vector<std::string> & lines) { following = &lines; }
 
-    [[noreturn]] void Fail(char const * problem) const {
-        std::string text;
-        text::Printf(text, "%s: line %llu: %s", stream.GetStreamName(),
-                     static_cast<unsigned long long>(number), problem);
-        throw std::runtime_error(text);
-    }
-
 private:
-    // The length of the next line with its end, in the buffer from `begin` on; 0 at the end of the stream.
-    std::size_t findLine() {
-        for (std::size_t searched = begin;;) {
-            void const * const found = std::memchr(buffer.data() + searched, '\n', end - searched);
-            if (found)
-                return static_cast<std::size_t>(static_cast<char const *>(found) - buffer.data()) + 1 - begin;
-            std::size_t const rest = end - begin;
-            if (rest >= c_longestLine) {
-                ++number;
-                Fail("the line is longer than a printed block has");
-            }
-            if (!refill())
-                return rest;
-            searched = rest;
-        }
-    }
-
-    // Moves what is left to the front and reads on behind it. False at the end of the stream.
-    bool refill() {
-        std::size_t const rest = end - begin;
-        std::memmove(buffer.data(), buffer.data() + begin, rest);
-        begin = 0;
-        unsigned int const count =
-            stream.Read(buffer.data() + rest, static_cast<unsigned int>(buffer.size() - rest));
-        end = rest + count;
-        return count != 0;
-    }
-
     void keepFollowing() {
         if (!following)
             return;
-        following->emplace_back(line);
+        following->emplace_back(Line());
         if (following->size() == c_syncContext)
             following = nullptr;
     }
 
-    ByteStream & stream;
-    std::string buffer;
-    std::size_t begin = 0;
-    std::size_t end = 0;
-    std::string_view line;
-    std::uint64_t number = 0;
     bool isPutBack = false;
     std::vector<std::string> * following = nullptr;
 };
@@ -165,7 +113,7 @@ private:
         bool differs = false;
     };
 
-    static void demandBlock(LineReader & reader) {
+    static void demandBlock(BlockReader & reader) {
         if (!reader.Next() || !isTotal(reader.Line()))
             reader.Fail("this is no printed sync block");
         reader.PutBack();
@@ -250,7 +198,7 @@ private:
     }
 
     // Reads on to the end of the group in which the present line stands, or to the next block.
-    static void skipGroup(LineReader & reader) {
+    static void skipGroup(BlockReader & reader) {
         std::uint64_t depth = 1;
         do {
             if (isTotal(reader.Line()))
@@ -262,8 +210,8 @@ private:
         } while (reader.Next());
     }
 
-    LineReader first;
-    LineReader second;
+    BlockReader first;
+    BlockReader second;
     SyncReport report;
     std::vector<Group> groups{1};                  // the block itself, and what is open in it
     std::array<std::string, c_syncContext> latest; // the last lines that agreed, in a ring

@@ -1,0 +1,209 @@
+#include "tests/support/ReasonOf.h"
+#include "tests/support/StreamBytes.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tools/StatsPlot.h"
+#include "tools/StatsTrace.h"
+#include "tools/Verbs.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+namespace {
+
+StatsLog read(std::string const & text) {
+    FilledStream stream(text);
+    return ReadStatsLog(stream);
+}
+
+// Channels as "name row:value ... !not finite;", times, and the notes, a line each.
+std::string shown(StatsLog const & log) {
+    std::ostringstream text;
+    for (StatsChannel const & channel : log.channels) {
+        text << channel.name;
+        for (StatsSample const & sample : channel.samples)
+            text << ' ' << sample.row << ':' << sample.value;
+        text << " !" << channel.notFinite << ';';
+    }
+    for (std::uint64_t const time : log.times)
+        text << ' ' << time;
+    for (std::string const & note : log.notes)
+        text << '\n' << note;
+    return text.str();
+}
+
+// The points of the line of a plot with one channel, as "x,y" in pixels from the plot's top left corner.
+std::vector<std::pair<double, double>> pointsOf(std::string const & svg) {
+    std::size_t const begin = svg.find(" d=\"", svg.find("stroke-linecap"));
+    std::string const path = svg.substr(begin, svg.find('"', begin + 4) - begin);
+    std::regex const point("[ML]([0-9.]+),([0-9.]+)");
+    std::vector<std::pair<double, double>> points;
+    for (std::sregex_iterator match(path.begin(), path.end(), point), last; match != last; ++match)
+        points.emplace_back(std::stod((*match)[1]) - 90.0, std::stod((*match)[2]) - 84.0);
+    return points;
+}
+
+std::string const c_crash = "\nthe row of names is missing, as after a crash: channels are numbered";
+
+} // namespace
+
+TEST(StatsLog, ReadsWhatTheSinkWrites) {
+    struct Case {
+        std::string text;
+        std::string log;
+    };
+
+    Case const c_cases[] = {
+        // columns open at the right; an empty field is a gap; names come last
+        {"1.000,0.500,\n1.016,,-2.000,\ntime,a,b \xC3\x84,\n", "a 0:0.5 !0;b \xC3\x84 1:-2 !0; 1000 1016"},
+        {"1.000,0.500,\r\ntime,a,\r\n", "a 0:0.5 !0; 1000"},
+        // a crash takes the names, and perhaps a part of a row
+        {"1.000,0.500,\n", "channel 1 0:0.5 !0; 1000" + c_crash},
+        {"1.000,0.500,\n1.016,0.", "channel 1 0:0.5 !0; 1000\nline 2 is cut and left out" + c_crash},
+        {"1.000,0.500,\ntime,a,", "channel 1 0:0.5 !0; 1000\nline 2 is cut and left out" + c_crash},
+        // names that did not fit are empty; one with a comma moves the others
+        {"1.000,1.000,2.000,\ntime,,b,\n", "channel 1 0:1 !0;b 0:2 !0; 1000"},
+        {"1.000,1.000,\ntime,a,b,\n",
+         "channel 1 0:1 !0; 1000\n"
+         "line 2 has 2 names for 1 channels, as when one holds a comma: they are numbered"},
+        {"1.000,inf,\n1.016,-nan,\n1.033,1.000,\ntime,a,\n", "a 2:1 !2; 1000 1016 1033"},
+        // the clock wraps after 2^32 milliseconds
+        {"4294967.290,1.000,\n0.006,1.000,\ntime,a,\n", "a 0:1 1:1 !0; 4294967290 4294967302"},
+        {"1.000,340282346638528859811704183484516925440.000,\ntime,a,\n", "a 0:3.40282e+38 !0; 1000"},
+    };
+    for (Case const & test : c_cases)
+        EXPECT_EQ(shown(read(test.text)), test.log) << test.text;
+}
+
+TEST(StatsLog, RefusesWhatNoSinkWrites) {
+    struct Case {
+        std::string text;
+        char const * reason;
+    };
+
+    std::string const row = "1.000,0.500,\n", noRow = "is no row of a stat graph's log";
+    std::string wide = "1.000,";
+    for (int i = 0; i < 129; ++i)
+        wide += "1,";
+    Case const c_cases[] = {
+        {"", "holds no rows, as when no channel was enabled"},
+        {"time,a,\n", "holds no rows"},
+        {"time,a", "holds no rows"},
+        {row + "\n" + row, "line 2: is no row of a stat graph's log"},
+        {row + "1.016,\n", "line 2: is no row of a stat graph's log"},
+        {row + "1.016,0.500\n", "line 2: does not end in a comma"},
+        {std::string("\x7F"
+                     "ELF\0\n\xFF",
+                     7),
+         "line 1: does not end in a comma"},
+        {std::string("\0,\0,\n", 5), "line 1: does not begin with a time"},
+        {"-1.000,0.5,\n", "line 1: does not begin with a time"},
+        {"4294967.296,0.5,\n", "line 1: does not begin with a time"},
+        {"nan,0.5,\n", "line 1: does not begin with a time"},
+        {row + "0.999,0.500,\n", "line 2: goes back in time"},
+        {"1.000,1,2,\n" + row, "line 2: has fewer fields than the row above"},
+        {wide + "\n", "line 1: has more than 128 channels"},
+        {"1.000,0x10,\n", "line 1: has a field that is no number"},
+        {"1.000, 1,\n", "line 1: has a field that is no number"},
+        {"1.000,1" + std::string(40, '0') + ",\n", "line 1: has a field that is no number"},
+        {row + "time,a,\n" + row, "line 3: stands behind the row of names"},
+        {row + std::string(10'000'000, '1'), "line 2: is longer than a row of a stat graph's log"},
+    };
+    for (Case const & test : c_cases) {
+        std::string const reason = ReasonOf([&] { read(test.text); });
+        EXPECT_NE(reason.find(test.reason), std::string::npos) << reason << "\n" << test.text.substr(0, 100);
+    }
+}
+
+TEST(StatsLog, SummarizesByRank) {
+    std::vector<StatsSample> samples;
+    for (std::uint32_t i = 0; i < 200; ++i)
+        samples.push_back({i, static_cast<float>(i * 77 % 200 + 1)}); // 1 to 200, mixed
+    StatsSummary const summary = Summarize(samples);
+    EXPECT_EQ(summary.least, 1.0f);
+    EXPECT_EQ(summary.greatest, 200.0f);
+    EXPECT_EQ(summary.average, 100.5);
+    EXPECT_EQ(summary.percent95, 190.0f);
+    EXPECT_EQ(summary.percent99, 198.0f);
+    EXPECT_EQ(Summarize({{0, 3.0f}}).percent99, 3.0f);
+}
+
+// A million rows come down to two points per column of pixels, and the one spike is still there.
+TEST(StatsPlot, KeepsSpikesOfAMillionRows) {
+    StatsLog log;
+    log.channels.resize(1);
+    for (std::uint32_t row = 0; row < 1'000'000; ++row) {
+        log.times.push_back(row);
+        if (row % 2 == 0) // gaps within a column of pixels are none
+            log.channels[0].samples.push_back(
+                {row, row == 500'000 ? 100.0f : 20.0f + static_cast<float>(row % 3)});
+    }
+    auto const points = pointsOf(PlotStats(log, "t"));
+    EXPECT_GT(points.size(), 2000u);
+    EXPECT_LE(points.size(), 2162u);
+    auto const top = std::min_element(points.begin(), points.end(),
+                                      [](auto const & a, auto const & b) { return a.second < b.second; });
+    EXPECT_NEAR(top->second, 0.0, 0.01) << "100 is the top of the axis";
+    EXPECT_NEAR(top->first, 540.0, 0.01);
+    EXPECT_NEAR(points.front().second, 120.0 - 1.2 * 20.0, 2.5);
+}
+
+TEST(StatsPlot, BreaksTheLineAtGapsAndShowsEveryName) {
+    StatsLog log =
+        read("0.000,1.000,\n0.500,,\n1.000,3.000,nan,\n2.000,4.000,,\ntime,a<b & \x01\"\xFF,none,\n" +
+             std::string());
+    std::string const svg = PlotStats(log, "<title>");
+    EXPECT_NE(svg.find("d=\"M90.00,174.00m-2,0h4M630.00,114.00L1170.00,84.00\""), std::string::npos) << svg;
+    EXPECT_NE(svg.find(">a&lt;b &amp; \uFFFD\"\uFFFD</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">&lt;title></text>"), std::string::npos);
+    EXPECT_NE(svg.find("minimum 1 \u00A0 average 2.667 \u00A0 95% 4 \u00A0 99% 4 \u00A0 maximum 4"),
+              std::string::npos);
+    EXPECT_NE(svg.find("no samples \u00A0 not finite 1"), std::string::npos);
+    EXPECT_NE(svg.find(">seconds since the first row</text>"), std::string::npos);
+}
+
+// One row, values at the ends of float, and values that differ in the last digit have an axis too.
+TEST(StatsPlot, EveryRangeHasAnAxis) {
+    std::string const huge = "340282346638528859811704183484516925440.000,";
+    for (std::string const & text :
+         {"0.000,0.000,\n" + std::string(), "0.000,-" + huge + "\n0.000," + huge + "\n",
+          "0.000,16777216.000,\n4294967.295,16777215.000,\n" + std::string()}) {
+        std::string const svg = PlotStats(read(text), "t");
+        EXPECT_EQ(svg.find("nan"), std::string::npos) << svg;
+        EXPECT_EQ(svg.find("inf"), std::string::npos) << svg;
+        for (auto const & [x, y] : pointsOf(svg))
+            EXPECT_TRUE(x >= 0.0 && x <= 1080.0 && y >= 0.0 && y <= 120.0) << svg;
+    }
+}
+
+TEST(StatsVerbs, PlotAndTraceWriteTheirFiles) {
+    TemporaryFolder const folder;
+    folder.WriteFile("log.txt", "1.000,0.100,\n1.016,nan,2.000,\ntime,a\",b,\n");
+    folder.WriteFile("bad.txt", "x\n");
+    std::string const log = folder / "log.txt", bad = folder / "bad.txt", none = folder / "none.txt";
+    std::string const svg = folder / "out.svg", json = folder / "out.json", nowhere = folder / "bad.txt/out";
+    auto const run = [](char const * verb, std::string const & file, std::string const & target) {
+        char const * const arguments[] = {"crosstool", "stats", verb, file.c_str(), target.c_str()};
+        std::ostringstream out, err;
+        int const code = RunCrosstool(5, arguments, out, err);
+        return std::to_string(code) + " " + out.str() + err.str();
+    };
+    std::string const what = ": 2 channels, 2 rows, 2 samples\nwarning: " + log +
+                             ": 1 samples are no finite numbers and left out\n";
+    EXPECT_EQ(run("plot", log, svg), "0 good: " + svg + what);
+    EXPECT_EQ(folder.ReadFile("out.svg").substr(0, 5), "<svg ");
+    EXPECT_EQ(run("trace", log, json), "0 good: " + json + what);
+    std::string const trace =
+        "{\"traceEvents\":[\n"
+        "{\"name\":\"a\\\"\",\"ph\":\"C\",\"pid\":1,\"ts\":1000000,\"args\":{\"value\":0.1}},\n"
+        "{\"name\":\"b\",\"ph\":\"C\",\"pid\":1,\"ts\":1016000,\"args\":{\"value\":2}}\n"
+        "]}\n";
+    EXPECT_EQ(folder.ReadFile("out.json"), trace);
+
+    EXPECT_EQ(run("plot", none, svg), "2 failed: " + none + ": does not exist\n");
+    EXPECT_EQ(run("trace", bad, json), "2 failed: " + bad + ": line 1: does not end in a comma\n");
+    EXPECT_EQ(run("trace", log, nowhere), "2 failed: " + nowhere + ": cannot be written\n");
+    EXPECT_EQ(run("plot", log, log), "2 failed: " + log + ": would overwrite the log\n");
+    EXPECT_EQ(folder.ReadFile("out.json"), trace) << "a failure leaves what was there";
+}
