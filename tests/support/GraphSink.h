@@ -21,8 +21,8 @@ public:
         ++calls;
         channels.assign(first, last);
         visible = isVisible;
-        if (act)
-            act();
+        if (auto const action = act) // it may end this sink
+            action();
     }
 
     int calls = 0;
