@@ -91,13 +91,11 @@ StatGraph::Sink::~Sink() = default;
 StatGraph::Handle StatGraph::ChannelCreate(char const * name) {
     if (!name)
         return Handle();
-    ChannelName const channelName(name);
-    auto const place = firstNotBelow(channelName.Get());
-    if (place != s_graph.channels.end() && (*place)->name == channelName.Get())
+    if (find(name))
         dbWarningfAux(c_category, "Duplicate statgraph channel ignored");
     auto channel = std::make_unique<Channel>();
-    channel->name = channelName.Get();
-    s_graph.channels.insert(place, channel.get());
+    channel->name = ChannelName(name).Get();
+    s_graph.channels.insert(firstNotBelow(channel->name), channel.get());
     return Handle(channel.release());
 }
 
