@@ -26,7 +26,8 @@ constexpr float c_largest = 3.4028235e38f;
 constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
 constexpr Matrix3f c_identity = {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}};
 constexpr Matrix3f c_quarterTurn = {{{0, 1, 0}, {-1, 0, 0}, {0, 0, 1}}}; // x to y, y to -x
-constexpr OBBf c_turnedBox = {{1, 2, 3}, {4, 1, 2}, c_quarterTurn};      // world x 0..2, y -2..6, z 1..5
+constexpr Matrix3f c_thirdTurn = {{{0, 1, 0}, {0, 0, 1}, {1, 0, 0}}};    // x to y, y to z, z to x
+constexpr OBBf c_turnedBox = {{1, 2, 3}, {4, 2, 1}, c_thirdTurn};        // world x 0..2, y -2..6, z 1..5
 
 BoundVolume volumeOf(OBBf const & box) {
     BoundVolume volume;
@@ -155,6 +156,10 @@ TEST(BoundVolume, ScaleTakesTheSphereAnew) {
     BoundVolume ball = volumeOf(Spheref{{1, 2, 3}, 5});
     ball.Scale(1);
     EXPECT_EQ(ball.GetSphere().radius, std::sqrt(75.0f)) << "half the diagonal of the cube";
+    BoundVolume wide = built({{-2, 0, 0}, {16777215, 0, 0}});
+    EXPECT_EQ(wide.GetSphere().center.x, 8388606) << "rounded otherwise than the box";
+    wide.Scale(1);
+    EXPECT_EQ(wide.GetSphere().center.x, 8388606.5f);
 }
 
 TEST(BoundVolume, TransformMovesBothCentres) {
@@ -167,12 +172,12 @@ TEST(BoundVolume, TransformMovesBothCentres) {
         {c_quarterTurn.rows[0], c_quarterTurn.rows[1], c_quarterTurn.rows[2], {10, 20, 30}}};
     BoundVolume box = volumeOf(c_turnedBox);
     box.Transform(turn);
-    Matrix3f const halfTurn = {{{-1, 0, 0}, {0, -1, 0}, {0, 0, 1}}};
-    expectSame(box, volumeOf(OBBf{{8, 21, 33}, {4, 1, 2}, halfTurn}));
+    Matrix3f const bothTurns = {{{-1, 0, 0}, {0, 0, 1}, {0, 1, 0}}};
+    expectSame(box, volumeOf(OBBf{{8, 21, 33}, {4, 2, 1}, bothTurns}));
 
     BoundVolume invalid;
     invalid.Transform(turn);
-    invalid.Scale(2);
+    invalid.Scale(c_nan);
     expectSame(invalid, BoundVolume());
 }
 
@@ -203,6 +208,9 @@ TEST(BoundVolume, RaysEnterOrLeave) {
         // from inside to the far face, from a face into the box to the other side
         {{{1, 2, 3}, {0, 1, 0}}, true, {1, 6, 3}},
         {{{0, 2, 3}, {1, 0, 0}}, true, {2, 2, 3}},
+        // where the first of the slabs ends
+        {{{1, 2, 3}, {1, 8, 0}}, true, {1.5f, 6, 3}},
+        {{{1, 2, 3}, {1, 1, 0}}, true, {2, 3, 3}},
         // from a face away from the box: the face itself
         {{{2, 2, 3}, {1, 0, 0}}, true, {2, 2, 3}},
         // away from it, past it, and through one slab behind the other
@@ -213,6 +221,7 @@ TEST(BoundVolume, RaysEnterOrLeave) {
         {{{-5, 6, 3}, {1, 0, 0}}, true, {0, 6, 3}},
         {{{-5, 6.001f, 3}, {1, 0, 0}}, false, {}},
         {{{-5, 2, 3}, {1e-6f, 0, 0}}, false, {}},
+        {{{-5, 2, 3}, {0x1p-19f, 0, 0}}, true, {0, 2, 3}},
         // no direction: nothing is cut, and 0 times the longest way stays
         {{{1, 2, 3}, {0, 0, 0}}, true, {1, 2, 3}},
     };
