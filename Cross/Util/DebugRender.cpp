@@ -21,11 +21,7 @@ void DebugRender::DrawAlignedCircle(Math::Vector3f const & centre, float radius,
     float const angle = 1.0f / static_cast<float>(steps) * 6.2831855f;
     float const c = std::cos(angle), s = std::sin(angle);
     float x = 1.0f, y = 0.0f;
-    auto const turned = [&] {
-        return Math::Vector3f{centre.x + (firstAxis.x * x + secondAxis.x * y) * radius,
-                              centre.y + (firstAxis.y * x + secondAxis.y * y) * radius,
-                              centre.z + (firstAxis.z * x + secondAxis.z * y) * radius};
-    };
+    auto const turned = [&] { return centre + (firstAxis * x + secondAxis * y) * radius; };
     for (unsigned int step = 0; step < steps && s_pProxy; ++step) {
         Math::Vector3f const start = turned();
         float const nextX = x * c - y * s;

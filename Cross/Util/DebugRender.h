@@ -21,12 +21,6 @@
 
 class DebugRenderProxy;
 
-namespace MathPrim {
-
-struct Mesh;
-
-} // namespace MathPrim
-
 class CROSS_UTIL_API DebugRender {
 public:
     // Shapes in the scene: positions and lengths in world units.

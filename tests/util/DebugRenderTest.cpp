@@ -189,9 +189,9 @@ TEST_F(DebugRenderTest, OddValuesAreHandedOnAsTheyAre) {
                              "\",\"position\":[0,0],\"text\":\"" + longText +
                              "\",\"colour\":\"0x00000000\"}\n");
 
-    int meshes[2]; // never looked into
+    MathPrim::Mesh meshes[2];
     for (int const i : {0, 1, 0}) {
-        D::Draw(D::Mesh{reinterpret_cast<MathPrim::Mesh const *>(&meshes[i]), {}, {}}, "f");
+        D::Draw(D::Mesh{&meshes[i], {}, {}}, "f");
         EXPECT_NE(Written().find("\"mesh\":" + std::to_string(i + 1) + ","), std::string::npos);
     }
 }
@@ -206,9 +206,11 @@ TEST_F(DebugRenderTest, AlignedCirclesAreLines) {
 {"call":"Draw","shape":"Line","frame":"TerrainLine","start":[-2,-1.7484555e-07,0],"end":[2.6226832e-07,-2,0],"colour":"0x80FF4020"}
 {"call":"Draw","shape":"Line","frame":"TerrainLine","start":[2.6226832e-07,-2,0],"end":[2,3.496911e-07,0],"colour":"0x80FF4020"}
 )");
-    D::DrawAlignedCircle({10.0f, 20.0f, 30.0f}, 2.0f, c_colour, 1, {1.0f, 2.0f, 4.0f}, {});
-    EXPECT_NE(Written().find(R"("start":[12,24,38],"end":[12,24,38])"), std::string::npos)
-        << "axes have any length";
+    // axes of any length, and the order of the steps in its last digits
+    D::DrawAlignedCircle({0.125f, 0.25f, 0.5f}, 0.7f, c_colour, 7, {1.0f, 0.3f, 0.1f}, {0.2f, 1.1f, 0.9f});
+    EXPECT_NE(Written().find(R"("start":[0.4519866,-0.22107708,0.051090688],)"
+                             R"("end":[0.8249999,0.46000028,0.57000023],"colour":"0x80FF4020"})"),
+              std::string::npos);
     D::DrawAlignedCircle({}, 2.0f, c_colour, 0, {1.0f, 0.0f, 0.0f}, {0.0f, 1.0f, 0.0f});
     EXPECT_EQ(Written(), "");
 }
