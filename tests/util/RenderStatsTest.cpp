@@ -192,17 +192,29 @@ TEST_F(RenderStatsTest, TheListStartsAnewWhenItsTimeIsOver) {
     stats.UpdateImmediately();
     Names(0.125f);
     EXPECT_EQ(Names(), "");
+
+    RenderStats fresh; // 0.01 seconds
+    fresh.Enable(true);
+    fresh.AddModelStat("m");
+    fresh.UpdateAndDraw(0.01f);
+    EXPECT_EQ(fresh.AddModelStat("m"), nullptr);
+    fresh.UpdateAndDraw(0.001f);
+    EXPECT_NE(fresh.AddModelStat("m"), nullptr);
 }
 
 TEST_F(RenderStatsTest, OffCountsNothing) {
     Add("m", 1, 2, 3);
+    stats.Enable(true);
+    EXPECT_EQ(Names(), "m ") << "what is on goes on";
     out.str("");
     stats.Enable(false);
     EXPECT_EQ(out.str(), "{\"call\":\"Clear\",\"frame\":\"RenderStats\"}\n");
     EXPECT_EQ(stats.AddModelStat("m"), nullptr);
     EXPECT_EQ(Frame(1.0f), "");
     stats.Enable(true);
-    EXPECT_EQ(Frame(), c_head);
+    Add("n", 1, 2, 3);
+    EXPECT_EQ(Names(), "n ");
+    EXPECT_EQ(Names(), "n ") << "no time went by";
     EXPECT_FALSE(RenderStats().IsEnabled());
 }
 
@@ -235,14 +247,15 @@ TEST_F(RenderStatsTest, DumpsTheWholeListAsItIsShown) {
     Frame();
     EXPECT_EQ(folder.CountEntries(), 0u) << "a dump waits while the statistics are off";
     stats.Enable(true);
-    std::string want = "Name, Instances, Render Calls, Render Call Total, Shaders, Tris\n";
+    stats.SetSortMode(RenderStats::SortRenderCalls);
     Add("100%s%n", 10, 4, 5);
     stats.AddModelStat("100%s%n");
     stats.AddModelStat("100%s%n");
-    want += "100%s%n, 3, 10, 30, 4, 5\n";
     Add("wraps", 0x80000001, 4294967295, 0);
     stats.AddModelStat("wraps");
-    want += "wraps, 2, 2147483649, 2, 4294967295, 0\n";
+    std::string want = "Name, Instances, Render Calls, Render Call Total, Shaders, Tris\n"
+                       "wraps, 2, 2147483649, 2, 4294967295, 0\n"
+                       "100%s%n, 3, 10, 30, 4, 5\n";
     for (int i = 2; i < 30; ++i) {
         Add(("m" + std::to_string(i)).c_str(), 0, 0, 0);
         want += "m" + std::to_string(i) + ", 1, 0, 0, 0, 0\n";
@@ -278,15 +291,15 @@ TEST_F(RenderStatsTest, ScriptsSwitchSortAndDump) {
     };
 
     Case const cases[] = {
-        {"assert(RenderStats_Get() == true)", true, "m0", false},
-        {"RenderStats_Set(0)", false, "m0", true},
-        {"RenderStats_Set(2)", true, "m0", true},
-        {"RenderStats_Disable()  assert(RenderStats_Get() == false)", false, "m0", true},
-        {"RenderStats_Enable()", true, "m0", true},
-        {"RenderStats_Toggle()", false, "m0", true},
-        {"RenderStats_Disable()  RenderStats_Toggle()", true, "m0", true},
-        {"RenderStats_SetUpdateTime(2)", true, "m0", true},
-        {"RenderStats_SetUpdateTime(0)", true, "m0", true},
+        {"assert(RenderStats_Get() == true)", true, "first", false},
+        {"RenderStats_Set(0)", false, "first", true},
+        {"RenderStats_Set(2)", true, "first", true},
+        {"RenderStats_Disable()  assert(RenderStats_Get() == false)", false, "first", true},
+        {"RenderStats_Enable()", true, "first", true},
+        {"RenderStats_Toggle()", false, "first", true},
+        {"RenderStats_Disable()  RenderStats_Toggle()", true, "first", true},
+        {"RenderStats_SetUpdateTime(2)", true, "first", true},
+        {"RenderStats_SetUpdateTime(0)", true, "first", true},
         {"RenderStats_SortTris()", true, "m3", true},
         {"RenderStats_SortShaderChanges()", true, "m2", true},
         {"RenderStats_SortRenderCalls()", true, "m1", true},
@@ -312,6 +325,7 @@ TEST_F(RenderStatsTest, ScriptsSwitchSortAndDump) {
         EXPECT_TRUE(state.RunString(test.call, true)) << test.call;
         EXPECT_EQ(instance.IsEnabled(), test.isOn) << test.call;
         instance.Enable(true);
+        instance.AddModelStat("first");
         for (std::size_t i = 0; i < 4; ++i) {
             RenderStats::StatEntry & entry = *instance.AddModelStat(("m" + std::to_string(i)).c_str());
             std::uint32_t * const figures[] = {&entry.instances, &entry.renderCalls, &entry.shaderChanges,
