@@ -145,7 +145,10 @@ TEST_F(PerfBlockTest, TheHistoryCanBeSet) {
     Measure(unnamed, 2508);
     EXPECT_EQ(unnamed.GetAverageTicks(), 2501);
     unnamed.Start();
-    clock.cycle += 7;
+    PassTime(3);
+    unnamed.Pause();
+    unnamed.Resume();
+    PassTime(4);
     unnamed.SetTicks(0);
     EXPECT_EQ(unnamed.GetAverageTicks(), 0);
     unnamed.Stop();
@@ -193,10 +196,18 @@ TEST_F(PerfBlockTest, ANamedBlockSleepsUntilItIsEnabledOrAsked) {
     EXPECT_EQ(asked.GetLastTicks(), 1000);
 
     // whatever the state in which it was enabled
+    enabled.Resume();
+    PassTime(100);
     StatGraph::ChannelEnable("perf.enabled", true);
     enabled.Stop();
     EXPECT_EQ(enabled.GetAverageTicks(), 10);
-    EXPECT_EQ(enabled.GetLastTicks(), 10);
+    enabled.Start();
+    StatGraph::ChannelEnable("perf.enabled", false);
+    enabled.Pause();
+    PassTime(100);
+    StatGraph::ChannelEnable("perf.enabled", true);
+    enabled.Stop();
+    EXPECT_EQ(enabled.GetLastTicks(), 100);
 }
 
 TEST_F(PerfBlockTest, AChannelGetsEachMeasurementInUnits) {
