@@ -1,6 +1,7 @@
 #include "Cross/Util/FilePathLogger.h"
 
 #include "tests/support/AliasedFolder.h"
+#include "tests/support/CrashFiles.h"
 #include "tests/support/HandClock.h"
 #include "tests/support/OnFourThreads.h"
 
@@ -51,13 +52,14 @@ TEST_F(FilePathLoggerTest, FiltersChooseAmongOpens) {
         for (char const * open = test.takes; *open; ++open)
             want += std::string("18:05:09.00   ") + *open + "\n";
         EXPECT_EQ(folder.ReadFile("one.txt"), want) << test.takes;
+        EXPECT_TRUE(VisitedCrashFiles().empty()) << "the log is closed";
     }
 }
 
 TEST_F(FilePathLoggerTest, LinesCarryTheTimeAndThePath) {
     logger.AddComment("nobody hears this");
-    logger.LogFiles(nullptr, nullptr, "all.txt", true);
     logger.LogFiles("other", nullptr, "other", false);
+    logger.LogFiles(nullptr, nullptr, "all.txt", true);
     logger.AddComment("100%s%n");
     clock.milliseconds = 123500;
     logger.OnFileOpen(u"Textures\\\u00C4\xD800.tga", "data", "read");
