@@ -45,6 +45,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddConfigVerbs(app, job);
     AddSettingsVerbs(app, job);
     AddStatsVerbs(app, job);
+    AddMenuVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {

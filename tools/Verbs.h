@@ -41,6 +41,7 @@ ExitCode Fail(Output const & output, Lines const & reasons);
 
 // Each adds the verbs of a format, which set `job`; both must outlive the parsing.
 void AddConfigVerbs(CLI::App & app, Job & job);
+void AddMenuVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
 void AddSettingsVerbs(CLI::App & app, Job & job);
 void AddStatsVerbs(CLI::App & app, Job & job);

@@ -2,6 +2,7 @@
 
 #include "Cross/Util/DebugRender.h"
 #include "Cross/Util/LogFile.h"
+#include "Cross/Util/Periods.h"
 #include "Cross/engine/core/Text.h"
 
 #include <algorithm>
@@ -64,18 +65,6 @@ std::uint32_t Entry::*sortKey(RenderStats::SortMode mode) {
     }
 }
 
-// Takes whole periods off a timer, one by one in floats. A timer that does not become lower by that, because
-// it is too large or NaN, starts anew.
-float withoutPeriods(float timer, float period) {
-    while (!(timer <= period)) {
-        float const lower = timer - period;
-        if (!(lower < timer))
-            return 0.0f;
-        timer = lower;
-    }
-    return timer;
-}
-
 } // namespace
 
 RenderStats * RenderStats::Instance() {
@@ -134,7 +123,7 @@ void RenderStats::UpdateAndDraw(float dt) {
     dumpPending = false;
     if (timer > updateTime)
         ClearStats();
-    timer = withoutPeriods(timer, updateTime);
+    timer = WithoutPeriods(timer, updateTime);
 }
 
 void RenderStats::ClearStats() { entries.clear(); }
