@@ -1,0 +1,171 @@
+#include "samples/renderer/Canvas.h"
+
+#include "Cross/engine/diagnostics/Trace.h"
+
+#include <algorithm>
+#include <cfloat>
+#include <cmath>
+#include <cstddef>
+
+namespace {
+
+constexpr float c_fontPixels = 13.0f;    // the font is drawn for this size
+constexpr float c_linesPerStep = 540.0f; // of the canvas, for each multiple of that size
+
+void check(int result) {
+    if (result != 0)
+        dbTimeStampedTracefAux("RENDERER -- %s", SDL_GetError());
+}
+
+bool isPlain(ImDrawList const & list, ImDrawCmd const & command, unsigned int triangle) {
+    ImVec2 const white = ImGui::GetFontTexUvWhitePixel();
+    for (unsigned int i = 0; i < 3; ++i) {
+        ImDrawIdx const index = list.IdxBuffer[static_cast<int>(command.IdxOffset + triangle * 3 + i)];
+        ImVec2 const place = list.VtxBuffer[static_cast<int>(command.VtxOffset + index)].uv;
+        if (place.x != white.x || place.y != white.y)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+std::unique_ptr<Canvas> Canvas::OpenWindow(char const * title, int width, int height, std::string & reason) {
+    std::unique_ptr<Canvas> canvas(new Canvas);
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) == 0) {
+        canvas->window.reset(SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width,
+                                              height, SDL_WINDOW_RESIZABLE));
+        if (!canvas->window)
+            SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    }
+    if (canvas->window)
+        canvas->renderer.reset(SDL_CreateRenderer(canvas->window.get(), -1, SDL_RENDERER_PRESENTVSYNC));
+    if (canvas->renderer && canvas->fitWindow() && canvas->setUp())
+        return canvas;
+    reason = SDL_GetError();
+    return nullptr;
+}
+
+std::unique_ptr<Canvas> Canvas::OpenOffscreen(int width, int height, std::string & reason) {
+    std::unique_ptr<Canvas> canvas(new Canvas);
+    canvas->surface.reset(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ARGB8888));
+    if (canvas->surface)
+        canvas->renderer.reset(SDL_CreateSoftwareRenderer(canvas->surface.get()));
+    canvas->size = {static_cast<float>(width), static_cast<float>(height)};
+    if (canvas->renderer && canvas->setUp())
+        return canvas;
+    reason = SDL_GetError();
+    return nullptr;
+}
+
+bool Canvas::setUp() {
+    context.reset(ImGui::CreateContext());
+    ImGui::SetCurrentContext(context.get());
+    ImGuiIO & io = ImGui::GetIO();
+    io.IniFilename = nullptr;
+    io.BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
+    return SDL_SetRenderDrawBlendMode(renderer.get(), SDL_BLENDMODE_BLEND) == 0 && makeFont();
+}
+
+bool Canvas::makeFont() {
+    ImFontAtlas & fonts = *ImGui::GetIO().Fonts;
+    fonts.Flags |= ImFontAtlasFlags_NoBakedLines | ImFontAtlasFlags_NoMouseCursors;
+    unsigned char * pixels = nullptr;
+    int width = 0, height = 0, pixelBytes = 0;
+    fonts.GetTexDataAsRGBA32(&pixels, &width, &height, &pixelBytes);
+    fontTexture.reset(
+        SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_RGBA32, SDL_TEXTUREACCESS_STATIC, width, height));
+    fonts.SetTexID(fontTexture.get());
+    return fontTexture && SDL_UpdateTexture(fontTexture.get(), nullptr, pixels, width * pixelBytes) == 0 &&
+           SDL_SetTextureBlendMode(fontTexture.get(), SDL_BLENDMODE_BLEND) == 0;
+}
+
+// What a window shows is lost once it is shown, so that its frames are drawn into a texture.
+bool Canvas::fitWindow() {
+    int width = 0, height = 0;
+    if (SDL_GetRendererOutputSize(renderer.get(), &width, &height) != 0)
+        return false;
+    ImVec2 const fitting{static_cast<float>(width), static_cast<float>(height)};
+    if (target && fitting.x == size.x && fitting.y == size.y)
+        return true;
+    size = fitting;
+    target.reset(
+        SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_TARGET, width, height));
+    return target && SDL_SetTextureBlendMode(target.get(), SDL_BLENDMODE_NONE) == 0 &&
+           SDL_SetRenderTarget(renderer.get(), target.get()) == 0;
+}
+
+float Canvas::TextHeight() const {
+    return c_fontPixels * std::max(1.0f, std::floor(size.y / c_linesPerStep));
+}
+
+ImVec2 Canvas::SizeOf(std::string_view text) const {
+    ImGui::SetCurrentContext(context.get());
+    return ImGui::GetIO().Fonts->Fonts[0]->CalcTextSizeA(TextHeight(), FLT_MAX, 0.0f, text.data(),
+                                                         text.data() + text.size());
+}
+
+void Canvas::Clear(MathPrim::Colour colour) {
+    check(window && !fitWindow() ? -1 : 0);
+    check(SDL_SetRenderDrawColor(renderer.get(), colour.red, colour.green, colour.blue, 255));
+    check(SDL_RenderClear(renderer.get()));
+}
+
+ImDrawList & Canvas::Open() {
+    ImGui::SetCurrentContext(context.get());
+    ImGui::GetIO().DisplaySize = size;
+    ImGui::NewFrame();
+    return *ImGui::GetBackgroundDrawList();
+}
+
+void Canvas::Flush() {
+    ImGui::SetCurrentContext(context.get());
+    ImGui::Render();
+    ImDrawData const & data = *ImGui::GetDrawData();
+    for (int i = 0; i < data.CmdListsCount; ++i)
+        draw(*data.CmdLists[i]);
+    check(SDL_RenderFlush(renderer.get()));
+}
+
+void Canvas::draw(ImDrawList const & list) const {
+    for (ImDrawCmd const & command : list.CmdBuffer)
+        draw(list, command);
+}
+
+// Plain areas go without the texture, which is faster and exact; the rest are letters.
+void Canvas::draw(ImDrawList const & list, ImDrawCmd const & command) const {
+    ImDrawVert const * const vertices = list.VtxBuffer.Data + command.VtxOffset;
+    int const vertexCount = list.VtxBuffer.Size - static_cast<int>(command.VtxOffset);
+    unsigned int const triangles = command.ElemCount / 3;
+    for (unsigned int first = 0, end = 0; first < triangles; first = end) {
+        bool const plain = isPlain(list, command, first);
+        for (end = first + 1; end < triangles && isPlain(list, command, end) == plain;)
+            ++end;
+        check(SDL_RenderGeometryRaw(renderer.get(), plain ? nullptr : fontTexture.get(), &vertices->pos.x,
+                                    sizeof(ImDrawVert), reinterpret_cast<SDL_Color const *>(&vertices->col),
+                                    sizeof(ImDrawVert), &vertices->uv.x, sizeof(ImDrawVert), vertexCount,
+                                    list.IdxBuffer.Data + command.IdxOffset + first * 3,
+                                    static_cast<int>(end - first) * 3, sizeof(ImDrawIdx)));
+    }
+}
+
+void Canvas::Present() {
+    if (!window)
+        return;
+    check(SDL_SetRenderTarget(renderer.get(), nullptr));
+    check(SDL_RenderCopy(renderer.get(), target.get(), nullptr, nullptr));
+    SDL_RenderPresent(renderer.get());
+    check(SDL_SetRenderTarget(renderer.get(), target.get()));
+}
+
+bool Canvas::TakePicture(Picture & picture, std::string & reason) const {
+    picture.width = static_cast<int>(size.x);
+    picture.height = static_cast<int>(size.y);
+    int const pitch = picture.width * 3;
+    picture.bytes.resize(static_cast<std::size_t>(pitch) * static_cast<std::size_t>(picture.height));
+    if (SDL_RenderReadPixels(renderer.get(), nullptr, SDL_PIXELFORMAT_RGB24, picture.bytes.data(), pitch) ==
+        0)
+        return true;
+    reason = SDL_GetError();
+    return false;
+}
