@@ -24,11 +24,11 @@ constexpr float c_gap = 0.02f;
 constexpr float c_width = 0.46f;
 constexpr float c_plotHeight = 0.16f;
 constexpr float c_inset = 0.012f;
-constexpr float c_lineSpacing = 1.3f;
+constexpr float c_lineSpacing = 1.5f;
 
-constexpr Colour c_panel = Colour::FromWord(0xD0404A54);
-constexpr Colour c_plot = Colour::FromWord(0xC05C6874);
-constexpr Colour c_averageLine = Colour::FromWord(0x80FFFFFF);
+constexpr Colour c_panel = Colour::FromWord(0xE0283038);
+constexpr Colour c_plot = Colour::FromWord(0xFF46525E);
+constexpr Colour c_averageLine = Colour::FromWord(0x50FFFFFF);
 constexpr Colour c_bright = Colour::FromWord(0xFFFFFFFF);
 constexpr Colour c_dim = Colour::FromWord(0xFFC4CCD4);
 

@@ -9,7 +9,8 @@
 
 namespace {
 
-constexpr float c_fontPixels = 13.0f;    // the font is drawn for this size
+constexpr float c_fontPixels = 13.0f; // the font is drawn for this size
+constexpr int c_pictureScale = 3;
 constexpr float c_linesPerStep = 540.0f; // of the canvas, for each multiple of that size
 
 void check(int result) {
@@ -48,7 +49,9 @@ std::unique_ptr<Canvas> Canvas::OpenWindow(char const * title, int width, int he
 
 std::unique_ptr<Canvas> Canvas::OpenOffscreen(int width, int height, std::string & reason) {
     std::unique_ptr<Canvas> canvas(new Canvas);
-    canvas->surface.reset(SDL_CreateRGBSurfaceWithFormat(0, width, height, 32, SDL_PIXELFORMAT_ARGB8888));
+    canvas->scale = c_pictureScale;
+    canvas->surface.reset(SDL_CreateRGBSurfaceWithFormat(0, width * c_pictureScale, height * c_pictureScale,
+                                                         32, SDL_PIXELFORMAT_ARGB8888));
     if (canvas->surface)
         canvas->renderer.reset(SDL_CreateSoftwareRenderer(canvas->surface.get()));
     canvas->size = {static_cast<float>(width), static_cast<float>(height)};
@@ -64,6 +67,10 @@ bool Canvas::setUp() {
     ImGuiIO & io = ImGui::GetIO();
     io.IniFilename = nullptr;
     io.BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
+    SDL_RendererInfo info;
+    if (SDL_GetRendererInfo(renderer.get(), &info) != 0)
+        return false;
+    wholeDots = info.flags & SDL_RENDERER_SOFTWARE;
     return SDL_SetRenderDrawBlendMode(renderer.get(), SDL_BLENDMODE_BLEND) == 0 && makeFont();
 }
 
@@ -127,9 +134,21 @@ void Canvas::Flush() {
     check(SDL_RenderFlush(renderer.get()));
 }
 
-void Canvas::draw(ImDrawList const & list) const {
+void Canvas::draw(ImDrawList const & list) {
+    place(list.VtxBuffer);
     for (ImDrawCmd const & command : list.CmdBuffer)
         draw(list, command);
+}
+
+// SDL's own drawing cuts fractions, of lengths too, which leaves gaps between areas that should meet.
+void Canvas::place(ImVector<ImDrawVert> const & vertices) {
+    auto const dots = [this](float pixels) {
+        float const exact = pixels * static_cast<float>(scale);
+        return wholeDots ? std::round(exact) : exact;
+    };
+    places.clear();
+    for (ImDrawVert const & vertex : vertices)
+        places.emplace_back(dots(vertex.pos.x), dots(vertex.pos.y));
 }
 
 // Plain areas go without the texture, which is faster and exact; the rest are letters.
@@ -141,11 +160,11 @@ void Canvas::draw(ImDrawList const & list, ImDrawCmd const & command) const {
         bool const plain = isPlain(list, command, first);
         for (end = first + 1; end < triangles && isPlain(list, command, end) == plain;)
             ++end;
-        check(SDL_RenderGeometryRaw(renderer.get(), plain ? nullptr : fontTexture.get(), &vertices->pos.x,
-                                    sizeof(ImDrawVert), reinterpret_cast<SDL_Color const *>(&vertices->col),
-                                    sizeof(ImDrawVert), &vertices->uv.x, sizeof(ImDrawVert), vertexCount,
-                                    list.IdxBuffer.Data + command.IdxOffset + first * 3,
-                                    static_cast<int>(end - first) * 3, sizeof(ImDrawIdx)));
+        check(SDL_RenderGeometryRaw(
+            renderer.get(), plain ? nullptr : fontTexture.get(), &places[command.VtxOffset].x, sizeof(ImVec2),
+            reinterpret_cast<SDL_Color const *>(&vertices->col), sizeof(ImDrawVert), &vertices->uv.x,
+            sizeof(ImDrawVert), vertexCount, list.IdxBuffer.Data + command.IdxOffset + first * 3,
+            static_cast<int>(end - first) * 3, sizeof(ImDrawIdx)));
     }
 }
 
@@ -159,13 +178,15 @@ void Canvas::Present() {
 }
 
 bool Canvas::TakePicture(Picture & picture, std::string & reason) const {
-    picture.width = static_cast<int>(size.x);
-    picture.height = static_cast<int>(size.y);
-    int const pitch = picture.width * 3;
-    picture.bytes.resize(static_cast<std::size_t>(pitch) * static_cast<std::size_t>(picture.height));
-    if (SDL_RenderReadPixels(renderer.get(), nullptr, SDL_PIXELFORMAT_RGB24, picture.bytes.data(), pitch) ==
-        0)
-        return true;
-    reason = SDL_GetError();
-    return false;
+    Picture dots;
+    dots.width = static_cast<int>(size.x) * scale;
+    dots.height = static_cast<int>(size.y) * scale;
+    int const pitch = dots.width * 3;
+    dots.bytes.resize(static_cast<std::size_t>(pitch) * static_cast<std::size_t>(dots.height));
+    if (SDL_RenderReadPixels(renderer.get(), nullptr, SDL_PIXELFORMAT_RGB24, dots.bytes.data(), pitch) != 0) {
+        reason = SDL_GetError();
+        return false;
+    }
+    picture = dots.ReducedBy(scale);
+    return true;
 }

@@ -1,7 +1,8 @@
 #pragma once
 
 // Canvas: what is drawn on, a window or a picture in memory, with the font. Both go through the same calls of
-// SDL; Dear ImGui makes the geometry of lines, areas and letters. What SDL refuses while drawing is traced.
+// SDL; Dear ImGui makes the geometry of lines, areas and letters. A picture is drawn larger than it comes
+// out, which smooths its edges. What SDL refuses while drawing is traced.
 //
 // Threads: one, that of main for a window. One window at a time, since the events of all have one queue.
 
@@ -11,6 +12,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include <SDL.h>
 #include <imgui.h>
@@ -69,8 +71,9 @@ private:
     bool setUp();
     bool makeFont();
     bool fitWindow();
-    void draw(ImDrawList const & list) const;
+    void draw(ImDrawList const & list);
     void draw(ImDrawList const & list, ImDrawCmd const & command) const;
+    void place(ImVector<ImDrawVert> const & vertices);
 
     // In the order of their making. A picture has a surface, a window has itself and a target.
     Owned<SDL_Window> window;
@@ -80,4 +83,7 @@ private:
     Owned<SDL_Texture> fontTexture;
     Owned<ImGuiContext> context;
     ImVec2 size;
+    int scale = 1; // dots along each side of a pixel
+    bool wholeDots = false;
+    std::vector<ImVec2> places; // of the vertices of a list, in dots
 };

@@ -24,6 +24,10 @@ struct Picture {
         return {pixel[2], pixel[1], pixel[0], 255};
     }
 
+    // The picture whose pixels are the means of squares of that many pixels on each side.
+    // REQUIRES: width and height are multiples of `factor`.
+    Picture ReducedBy(int factor) const;
+
     // Writes a PNG file, the same bytes for the same picture. On failure false, with the reason, and no file.
     bool SavePng(char const * path, std::string & reason) const;
 };

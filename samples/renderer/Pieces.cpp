@@ -13,12 +13,12 @@ namespace {
 using Math::Vector3f;
 using Outline = std::vector<Vector3f>;
 
-constexpr float c_reach = 1e9f;       // what is farther has no useful place on the screen
-constexpr float c_margin = 1.05f;     // of the screen, so that the ends of cut lines stay out of sight
-constexpr float c_sliceRatio = 1.03f; // the depth of a slice's far end over that of its near end
-constexpr float c_lineBias = 0.985f;  // lines on a surface are in front of it, by half a slice
-constexpr float c_textBias = 0.97f;
-constexpr unsigned int c_discCorners = 20;
+constexpr float c_reach = 1e9f;        // what is farther has no useful place on the screen
+constexpr float c_margin = 1.05f;      // of the screen, so that the ends of cut lines stay out of sight
+constexpr float c_sliceRatio = 1.015f; // the depth of a slice's far end over that of its near end
+constexpr float c_lineBias = 0.993f;   // lines on a surface are in front of it, by half a slice
+constexpr float c_textBias = 0.986f;
+constexpr unsigned int c_discCorners = 32;
 constexpr float c_lineWidth = 1.5f; // in pixels
 constexpr float c_textPixelsPerShadow = 13.0f;
 constexpr float c_leastDisc = 2.0f; // radius in pixels

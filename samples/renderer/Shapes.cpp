@@ -33,5 +33,5 @@ CopiedMesh::CopiedMesh(DebugRender::Mesh const & mesh) : colour(mesh.colour) {
 }
 
 std::string_view ShownText(char const * text) {
-    return text ? std::string_view(text, strnlen(text, c_longestText)) : std::string_view();
+    return text ? std::string_view(text, strnlen(text, c_longestText)) : std::string_view("");
 }

@@ -40,7 +40,7 @@ void drawGround() {
 // The n-th of twelve places, in three rows from far to near.
 Vector3f placeOf(unsigned int number) {
     return {-9.0f + 6.0f * static_cast<float>(number % 4), 0.0f,
-            7.0f - 7.0f * static_cast<float>(number / 4)};
+            6.5f - 7.0f * static_cast<float>(number / 4)};
 }
 
 // An octahedron that stands on its point.
@@ -204,7 +204,7 @@ int main(int argc, char ** argv) {
         std::fprintf(stderr, "%s\n", reason.c_str());
         return 1;
     }
-    renderer->camera.LookAt({0, 12, -24}, {0, 1, -0.5f});
+    renderer->camera.LookAt({0, 15, -19}, {0, 0.4f, -1});
     DebugRender::Register(renderer.get());
     GraphSink graphs;
     Painter painter(*renderer, argc > 1 ? argv[1] : ".");
@@ -217,6 +217,7 @@ int main(int argc, char ** argv) {
     StatGraph::Register(&graphs);
     painter.Save("graphs.png", [] {
         drawGround();
+        drawSceneShapes();
         feedGraphs();
         StatGraph::Update();
     });
