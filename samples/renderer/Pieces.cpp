@@ -49,17 +49,15 @@ void copyInside(Outline const & from, Outline & to, Distance distance) {
     }
 }
 
-float biasOf(bool isLine) { return isLine ? c_lineBias : 1.0f; }
-
 } // namespace
 
-void Pieces::AddArea(std::span<Vector3f const> corners, MathPrim::Colour colour) {
-    addOutline(Kind::Area, corners, colour);
+void Pieces::AddArea(std::span<Vector3f const> corners, MathPrim::Colour colour, Side side) {
+    addOutline(corners, {side == Side::Back ? c_sliceRatio : 1.0f, Kind::Area, colour});
 }
 
 void Pieces::AddLine(Vector3f const & start, Vector3f const & end, MathPrim::Colour colour) {
     Vector3f const ends[] = {start, end};
-    addOutline(Kind::Line, ends, colour);
+    addOutline(ends, {c_lineBias, Kind::Line, colour});
 }
 
 void Pieces::AddDisc(Vector3f const & centre, float radius, MathPrim::Colour colour) {
@@ -70,7 +68,7 @@ void Pieces::AddDisc(Vector3f const & centre, float radius, MathPrim::Colour col
         float const angle = 2.0f * std::numbers::pi_v<float> * static_cast<float>(i) / c_discCorners;
         corners[i] = centre + Vector3f{x * std::cos(angle), y * std::sin(angle), 0.0f};
     }
-    addOutline(Kind::Disc, corners, colour);
+    addOutline(corners, {1.0f, Kind::Disc, colour});
 }
 
 void Pieces::AddText(Vector3f const & position, std::string const & text, Anchor anchor,
@@ -89,12 +87,12 @@ void Pieces::Paint(ImDrawList & list, float textSize) {
         paint(list, piece, textSize);
 }
 
-void Pieces::addOutline(Kind kind, std::span<Vector3f const> corners, MathPrim::Colour colour) {
+void Pieces::addOutline(std::span<Vector3f const> corners, Piece const & piece) {
     if (!std::all_of(corners.begin(), corners.end(), inReach))
         return;
     outline.assign(corners.begin(), corners.end());
     cutToScreen();
-    addSlices(kind, colour);
+    addSlices(piece);
 }
 
 void Pieces::cutToScreen() {
@@ -110,7 +108,7 @@ void Pieces::cutToScreen() {
 }
 
 // The slices are the same for all shapes, so that parts of neighbouring areas meet at the same corners.
-void Pieces::addSlices(Kind kind, MathPrim::Colour colour) {
+void Pieces::addSlices(Piece const & piece) {
     if (outline.empty())
         return;
     auto const [nearest, farthest] = std::minmax_element(
@@ -121,23 +119,25 @@ void Pieces::addSlices(Kind kind, MathPrim::Colour colour) {
         if (depth >= end)
             break;
         copyInside(outline, cut, [depth](Vector3f const & p) { return depth - p.z; });
-        addPiece(kind, cut, colour);
+        addPiece(cut, piece);
         copyInside(outline, cut, [depth](Vector3f const & p) { return p.z - depth; });
         outline.swap(cut);
     }
-    addPiece(kind, outline, colour);
+    addPiece(outline, piece);
 }
 
-void Pieces::addPiece(Kind kind, std::span<Vector3f const> corners, MathPrim::Colour colour) {
-    if (corners.size() < (kind == Kind::Line ? 2 : 3))
+void Pieces::addPiece(std::span<Vector3f const> corners, Piece piece) {
+    if (corners.size() < (piece.kind == Kind::Line ? 2 : 3))
         return;
     float depth = 0.0f;
+    piece.first = points.size();
+    piece.count = corners.size();
     for (Vector3f const & corner : corners) {
         depth += corner.z / static_cast<float>(corners.size());
         points.push_back(toPixels(corner));
     }
-    pieces.push_back(
-        {depth * biasOf(kind == Kind::Line), kind, colour, points.size() - corners.size(), corners.size()});
+    piece.depth *= depth;
+    pieces.push_back(piece);
 }
 
 ImVec2 Pieces::toPixels(Vector3f const & position) const {

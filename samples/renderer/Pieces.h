@@ -24,8 +24,9 @@ public:
     // For a screen of that size in pixels.
     Pieces(Order order, ImVec2 screen) : order(order), screen(screen) {}
 
-    // A convex outline.
-    void AddArea(std::span<Math::Vector3f const> corners, MathPrim::Colour colour);
+    // A convex outline. The back of a body lies a little behind its front, where both meet.
+    enum class Side { Front, Back };
+    void AddArea(std::span<Math::Vector3f const> corners, MathPrim::Colour colour, Side side = Side::Front);
 
     void AddLine(Math::Vector3f const & start, Math::Vector3f const & end, MathPrim::Colour colour);
 
@@ -49,15 +50,16 @@ private:
         float depth;
         Kind kind;
         MathPrim::Colour colour;
-        std::size_t first, count; // of `points`
+        std::size_t first = 0, count = 0; // of `points`
         std::string const * text = nullptr;
         Anchor anchor = Anchor::MiddleLeft;
     };
 
-    void addOutline(Kind kind, std::span<Math::Vector3f const> corners, MathPrim::Colour colour);
+    // `piece` tells what the parts of the outline have in common; its depth is their bias.
+    void addOutline(std::span<Math::Vector3f const> corners, Piece const & piece);
     void cutToScreen();
-    void addSlices(Kind kind, MathPrim::Colour colour);
-    void addPiece(Kind kind, std::span<Math::Vector3f const> corners, MathPrim::Colour colour);
+    void addSlices(Piece const & piece);
+    void addPiece(std::span<Math::Vector3f const> corners, Piece piece);
     ImVec2 toPixels(Math::Vector3f const & position) const;
     void paint(ImDrawList & list, Piece const & piece, float textSize) const;
     void paintText(ImDrawList & list, Piece const & piece, float textSize) const;

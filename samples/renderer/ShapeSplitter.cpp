@@ -23,11 +23,8 @@ Colour shaded(Colour colour, float light) {
     return {part(colour.blue), part(colour.green), part(colour.red), colour.alpha};
 }
 
-// Between 0.55 away from the light and 1 towards it.
-float lightOn(std::array<Vector3f, 3> const & corners) {
-    Vector3f const normal = Direction(Cross(corners[1] - corners[0], corners[2] - corners[0]), {0, 1, 0});
-    return 0.775f + 0.225f * std::clamp(Dot(normal, c_light), -1.0f, 1.0f);
-}
+// Between 0.4 away from the light and 1 towards it.
+float lightOn(Vector3f const & normal) { return 0.7f + 0.3f * std::clamp(Dot(normal, c_light), -1.0f, 1.0f); }
 
 Vector3f onScreen(Vector2f const & position) { return {position.x, position.y, 1.0f}; }
 
@@ -55,8 +52,13 @@ void ShapeSplitter::operator()(DebugRender::Plane3D const & shape) {
 }
 
 void ShapeSplitter::operator()(CopiedMesh const & shape) {
-    for (std::array<Vector3f, 3> const & corners : shape.triangles)
-        triangle(corners.data(), shaded(shape.colour, lightOn(corners)));
+    for (auto const & [a, b, c] : shape.triangles) {
+        Vector3f const normal = Direction(Cross(b - a, c - a), {0, 1, 0});
+        bool const facesCamera = Dot(normal, camera.Position() - a) >= 0.0f;
+        Vector3f const corners[] = {seen(a), seen(b), seen(c)};
+        scene.AddArea(corners, shaded(shape.colour, lightOn(normal)),
+                      facesCamera ? Pieces::Side::Front : Pieces::Side::Back);
+    }
 }
 
 void ShapeSplitter::operator()(CopiedText3D const & shape) {
@@ -95,7 +97,10 @@ void ShapeSplitter::operator()(DebugRender::Cube const & shape) {
     }
 }
 
-void ShapeSplitter::operator()(DebugRender::Tri const & shape) { triangle(shape.corners, shape.colour); }
+void ShapeSplitter::operator()(DebugRender::Tri const & shape) {
+    Vector3f const corners[] = {seen(shape.corners[0]), seen(shape.corners[1]), seen(shape.corners[2])};
+    scene.AddArea(corners, shape.colour);
+}
 
 void ShapeSplitter::operator()(DebugRender::Line const & shape) {
     line(shape.start, shape.end, shape.colour);
@@ -129,11 +134,6 @@ void ShapeSplitter::operator()(DebugRender::Point2D const & shape) {
 
 void ShapeSplitter::line(Vector3f const & start, Vector3f const & end, Colour colour) {
     scene.AddLine(seen(start), seen(end), colour);
-}
-
-void ShapeSplitter::triangle(Vector3f const * corners, Colour colour) {
-    Vector3f const onView[] = {seen(corners[0]), seen(corners[1]), seen(corners[2])};
-    scene.AddArea(onView, colour);
 }
 
 void ShapeSplitter::frame(Vector3f const & centre, Vector3f const & axis1, Vector3f const & axis2,

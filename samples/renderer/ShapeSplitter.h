@@ -37,7 +37,6 @@ private:
     Math::Vector3f seen(Math::Vector3f const & world) const { return camera.ToScreen(world, aspect); }
 
     void line(Math::Vector3f const & start, Math::Vector3f const & end, MathPrim::Colour colour);
-    void triangle(Math::Vector3f const * corners, MathPrim::Colour colour);
     void frame(Math::Vector3f const & centre, Math::Vector3f const & axis1, Math::Vector3f const & axis2,
                MathPrim::Colour colour);
     void ring(Math::Vector3f const & centre, Math::Vector3f const & axis1, Math::Vector3f const & axis2,

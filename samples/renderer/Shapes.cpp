@@ -1,9 +1,12 @@
 #include "samples/renderer/Shapes.h"
 
+#include "samples/renderer/Vectors.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -13,6 +16,18 @@ constexpr std::size_t c_longestText = 8192;
 
 Vector3f placed(Vector3f const & v, Math::Matrix43f const & matrix) {
     return matrix.rows[0] * v.x + matrix.rows[1] * v.y + matrix.rows[2] * v.z + matrix.rows[3];
+}
+
+using Triangles = std::vector<std::array<Vector3f, 3>>;
+
+// Six times the volume, below 0 when the normals point inside.
+float volumeOf(Triangles const & triangles) {
+    float volume = 0.0f;
+    for (auto const & [a, b, c] : triangles) {
+        Vector3f const & origin = triangles[0][0];
+        volume += Dot(a - origin, Cross(b - origin, c - origin));
+    }
+    return volume;
 }
 
 } // namespace
@@ -30,6 +45,9 @@ CopiedMesh::CopiedMesh(DebugRender::Mesh const & mesh) : colour(mesh.colour) {
         std::transform(three.begin(), three.end(), corners.begin(),
                        [&](std::uint16_t index) { return placed(vertices[index], mesh.transform); });
     }
+    if (volumeOf(triangles) < 0.0f)
+        for (std::array<Vector3f, 3> & corners : triangles)
+            std::swap(corners[1], corners[2]);
 }
 
 std::string_view ShownText(char const * text) {

@@ -24,9 +24,11 @@ struct CopiedText2D {
 };
 
 struct CopiedMesh {
-    // In world units. Indices that no vertex has, and what is left over of threes, are dropped.
+    // Indices that no vertex has, and what is left over of threes, are dropped.
     explicit CopiedMesh(DebugRender::Mesh const & mesh);
 
+    // In world units. Those of a closed mesh have their normals, of second by third side, outside, whichever
+    // way the mesh goes round.
     std::vector<std::array<Math::Vector3f, 3>> triangles;
     MathPrim::Colour colour;
 };
