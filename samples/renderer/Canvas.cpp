@@ -6,16 +6,30 @@
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
+#include <cstring>
 
 namespace {
 
-constexpr float c_fontPixels = 13.0f; // the font is drawn for this size
-constexpr int c_pictureScale = 3;
-constexpr float c_linesPerStep = 540.0f; // of the canvas, for each multiple of that size
+constexpr float c_fontPixels = 13.0f;                // the font is drawn for this size
+constexpr int c_pictureScale = 3, c_windowScale = 2; // dots along each side of a pixel
+constexpr float c_linesPerStep = 540.0f;             // of the canvas, for each multiple of that size
 
-void check(int result) {
-    if (result != 0)
+void check(bool done) {
+    if (!done)
         dbTimeStampedTracefAux("RENDERER -- %s", SDL_GetError());
+}
+
+void check(int result) { check(result == 0); }
+
+// SDL falls back on windows that nobody sees; they count only when they are asked for.
+bool startVideo() {
+    if (SDL_InitSubSystem(SDL_INIT_VIDEO) != 0)
+        return false;
+    if (std::strcmp(SDL_GetCurrentVideoDriver(), "offscreen") != 0 || SDL_getenv("SDL_VIDEODRIVER"))
+        return true;
+    SDL_QuitSubSystem(SDL_INIT_VIDEO);
+    SDL_SetError("There is no display");
+    return false;
 }
 
 bool isPlain(ImDrawList const & list, ImDrawCmd const & command, unsigned int triangle) {
@@ -33,7 +47,7 @@ bool isPlain(ImDrawList const & list, ImDrawCmd const & command, unsigned int tr
 
 std::unique_ptr<Canvas> Canvas::OpenWindow(char const * title, int width, int height, std::string & reason) {
     std::unique_ptr<Canvas> canvas(new Canvas);
-    if (SDL_InitSubSystem(SDL_INIT_VIDEO) == 0) {
+    if (startVideo()) {
         canvas->window.reset(SDL_CreateWindow(title, SDL_WINDOWPOS_CENTERED, SDL_WINDOWPOS_CENTERED, width,
                                               height, SDL_WINDOW_RESIZABLE));
         if (!canvas->window)
@@ -41,7 +55,7 @@ std::unique_ptr<Canvas> Canvas::OpenWindow(char const * title, int width, int he
     }
     if (canvas->window)
         canvas->renderer.reset(SDL_CreateRenderer(canvas->window.get(), -1, SDL_RENDERER_PRESENTVSYNC));
-    if (canvas->renderer && canvas->fitWindow() && canvas->setUp())
+    if (canvas->renderer && canvas->setUp(c_windowScale) && canvas->fitWindow())
         return canvas;
     reason = SDL_GetError();
     return nullptr;
@@ -49,28 +63,27 @@ std::unique_ptr<Canvas> Canvas::OpenWindow(char const * title, int width, int he
 
 std::unique_ptr<Canvas> Canvas::OpenOffscreen(int width, int height, std::string & reason) {
     std::unique_ptr<Canvas> canvas(new Canvas);
-    canvas->scale = c_pictureScale;
     canvas->surface.reset(SDL_CreateRGBSurfaceWithFormat(0, width * c_pictureScale, height * c_pictureScale,
                                                          32, SDL_PIXELFORMAT_ARGB8888));
     if (canvas->surface)
         canvas->renderer.reset(SDL_CreateSoftwareRenderer(canvas->surface.get()));
     canvas->size = {static_cast<float>(width), static_cast<float>(height)};
-    if (canvas->renderer && canvas->setUp())
+    if (canvas->renderer && canvas->setUp(c_pictureScale))
         return canvas;
     reason = SDL_GetError();
     return nullptr;
 }
 
-bool Canvas::setUp() {
-    context.reset(ImGui::CreateContext());
-    ImGui::SetCurrentContext(context.get());
-    ImGuiIO & io = ImGui::GetIO();
-    io.IniFilename = nullptr;
-    io.BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
+bool Canvas::setUp(int wantedScale) {
     SDL_RendererInfo info;
     if (SDL_GetRendererInfo(renderer.get(), &info) != 0)
         return false;
     wholeDots = info.flags & SDL_RENDERER_SOFTWARE;
+    scale = window && wholeDots ? 1 : wantedScale; // a window that is drawn without help has no time for more
+    context.reset(ImGui::CreateContext());
+    ImGui::SetCurrentContext(context.get());
+    ImGui::GetIO().IniFilename = nullptr;
+    ImGui::GetIO().BackendFlags |= ImGuiBackendFlags_RendererHasVtxOffset;
     return SDL_SetRenderDrawBlendMode(renderer.get(), SDL_BLENDMODE_BLEND) == 0 && makeFont();
 }
 
@@ -90,15 +103,15 @@ bool Canvas::makeFont() {
 // What a window shows is lost once it is shown, so that its frames are drawn into a texture.
 bool Canvas::fitWindow() {
     int width = 0, height = 0;
-    if (SDL_GetRendererOutputSize(renderer.get(), &width, &height) != 0)
-        return false;
+    SDL_GetWindowSize(window.get(), &width, &height);
     ImVec2 const fitting{static_cast<float>(width), static_cast<float>(height)};
     if (target && fitting.x == size.x && fitting.y == size.y)
         return true;
     size = fitting;
-    target.reset(
-        SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_TARGET, width, height));
-    return target && SDL_SetTextureBlendMode(target.get(), SDL_BLENDMODE_NONE) == 0 &&
+    target.reset(SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_ARGB8888, SDL_TEXTUREACCESS_TARGET,
+                                   width * scale, height * scale));
+    return target && SDL_SetTextureScaleMode(target.get(), SDL_ScaleModeLinear) == 0 &&
+           SDL_SetTextureBlendMode(target.get(), SDL_BLENDMODE_NONE) == 0 &&
            SDL_SetRenderTarget(renderer.get(), target.get()) == 0;
 }
 
@@ -113,7 +126,7 @@ ImVec2 Canvas::SizeOf(std::string_view text) const {
 }
 
 void Canvas::Clear(MathPrim::Colour colour) {
-    check(window && !fitWindow() ? -1 : 0);
+    check(!window || fitWindow());
     check(SDL_SetRenderDrawColor(renderer.get(), colour.red, colour.green, colour.blue, 255));
     check(SDL_RenderClear(renderer.get()));
 }

@@ -19,7 +19,7 @@
 
 class Canvas {
 public:
-    // Null, with the reason, where there is no display or the system refuses. Sizes are in pixels.
+    // Null, with the reason, where there is no display or the system refuses. Sizes are in pixels, above 0.
     static std::unique_ptr<Canvas> OpenWindow(char const * title, int width, int height,
                                               std::string & reason);
     static std::unique_ptr<Canvas> OpenOffscreen(int width, int height, std::string & reason);
@@ -68,7 +68,7 @@ private:
 
     Canvas() = default;
 
-    bool setUp();
+    bool setUp(int wantedScale);
     bool makeFont();
     bool fitWindow();
     void draw(ImDrawList const & list);
@@ -83,7 +83,8 @@ private:
     Owned<SDL_Texture> fontTexture;
     Owned<ImGuiContext> context;
     ImVec2 size;
-    int scale = 1; // dots along each side of a pixel
-    bool wholeDots = false;
+    int scale = 1;          // dots along each side of a pixel
+    bool wholeDots = false; // SDL itself draws
+
     std::vector<ImVec2> places; // of the vertices of a list, in dots
 };

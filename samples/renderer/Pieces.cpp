@@ -14,6 +14,7 @@ using Math::Vector3f;
 using Outline = std::vector<Vector3f>;
 
 constexpr float c_reach = 1e9f;        // what is farther has no useful place on the screen
+constexpr float c_textReach = 1000.0f; // of the screen: a text beyond has no letter on it
 constexpr float c_margin = 1.05f;      // of the screen, so that the ends of cut lines stay out of sight
 constexpr float c_sliceRatio = 1.015f; // the depth of a slice's far end over that of its near end
 constexpr float c_lineBias = 0.993f;   // lines on a surface are in front of it, by half a slice
@@ -73,7 +74,8 @@ void Pieces::AddDisc(Vector3f const & centre, float radius, MathPrim::Colour col
 
 void Pieces::AddText(Vector3f const & position, std::string const & text, Anchor anchor,
                      MathPrim::Colour colour) {
-    if (!inReach(position) || position.z < Camera::c_near)
+    float const off = std::max(std::abs(position.x), std::abs(position.y));
+    if (!inReach(position) || position.z < Camera::c_near || off > c_textReach * position.z)
         return;
     pieces.push_back({position.z * c_textBias, Kind::Text, colour, points.size(), 1, &text, anchor});
     points.push_back(toPixels(position));

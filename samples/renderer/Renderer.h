@@ -37,7 +37,7 @@ union SDL_Event;
 
 class Renderer : public DebugRenderProxy {
 public:
-    // Null, with the reason, where there is no display or the system refuses. Sizes are in pixels.
+    // Null, with the reason, where there is no display or the system refuses. Sizes are in pixels, above 0.
     static std::unique_ptr<Renderer> OpenWindow(char const * title, int width, int height,
                                                 std::string & reason);
     static std::unique_ptr<Renderer> OpenOffscreen(int width, int height, std::string & reason);

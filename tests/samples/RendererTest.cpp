@@ -11,6 +11,7 @@
 #include <functional>
 #include <limits>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -282,6 +283,17 @@ TEST_F(RendererTest, WhatLiesOnTheScreenKeepsItsOrder) {
     EXPECT_EQ(picture, frameOf(rightHalf(c_green)));
 }
 
+// More corners than 16-bit indices can count.
+TEST_F(RendererTest, ManyShapesAreAllDrawn) {
+    Picture const picture = frame([&] {
+        for (int i = 0; i < 20'000; ++i)
+            draw(DebugRender::Line2D{{-0.5f, 0}, {-0.4f, 0}, c_red});
+        draw(rightHalf(c_green));
+    });
+    EXPECT_EQ(extent(picture), (std::vector{80, 0, c_width - 1, c_height - 1}));
+    EXPECT_EQ(picture.At(300, 90), c_green);
+}
+
 TEST_F(RendererTest, FramesAreEmptiedAfterTheyWereShown) {
     Picture const empty = frame();
     draw(triangle(0, 0, c_green), "kept");
@@ -419,25 +431,40 @@ TEST_F(RendererTest, TheCameraTurnsZoomsAndPicks) {
     EXPECT_NEAR(seen.y / seen.z, -0.3f, 1e-4f);
 }
 
-// Sets the driver of SDL's windows while it lives.
-class VideoDriver {
+// Sets a variable of the environment, or takes it out, while it lives.
+class Environment {
 public:
-    explicit VideoDriver(char const * name) { SDL_setenv("SDL_VIDEODRIVER", name, 1); }
+    Environment(char const * name, char const * value) : name(name) {
+        if (char const * const present = std::getenv(name))
+            before = present;
+        set(value);
+    }
 
-    VideoDriver(VideoDriver const &) = delete;
-    VideoDriver & operator=(VideoDriver const &) = delete;
+    Environment(Environment const &) = delete;
+    Environment & operator=(Environment const &) = delete;
 
-    ~VideoDriver() { unsetenv("SDL_VIDEODRIVER"); }
+    ~Environment() { set(before ? before->c_str() : nullptr); }
+
+private:
+    void set(char const * value) { value ? setenv(name, value, 1) : unsetenv(name); }
+
+    char const * name;
+    std::optional<std::string> before;
 };
 
 TEST_F(RendererTest, WithoutADisplayThereIsNoWindowButAReason) {
-    VideoDriver const driver("none such");
-    EXPECT_FALSE(Renderer::OpenWindow("test", c_width, c_height, reason));
-    EXPECT_FALSE(reason.empty());
+    Environment const noX("DISPLAY", nullptr), noWayland("WAYLAND_DISPLAY", nullptr),
+        noSocket("XDG_RUNTIME_DIR", "/nowhere");
+    for (char const * const name : {static_cast<char const *>(nullptr), "none such"}) {
+        Environment const driver("SDL_VIDEODRIVER", name);
+        reason.clear();
+        EXPECT_FALSE(Renderer::OpenWindow("test", c_width, c_height, reason));
+        EXPECT_FALSE(reason.empty());
+    }
 }
 
 TEST_F(RendererTest, WindowsDrawAndHandKeysOn) {
-    VideoDriver const driver("dummy");
+    Environment const driver("SDL_VIDEODRIVER", "dummy");
     renderer = Renderer::OpenWindow("test", c_width, c_height, reason);
     ASSERT_TRUE(renderer) << reason;
     std::string keys;
