@@ -112,26 +112,19 @@ void RecordingProxy::record(char const * call, Members const &... namesAndValues
 
 template <class... Members>
 void RecordingProxy::draw(char const * shape, char const * frame, Members const &... namesAndValues) {
-    frameOf(frame);
+    frames.Of(frame);
     record("Draw", "shape", shape, "frame", frame, namesAndValues...);
 }
 
-void RecordingProxy::set(char const * call, char const * frame, bool Frame::*setting, bool enable) {
-    frameOf(frame).*setting = enable;
+void RecordingProxy::set(char const * call, char const * frame, bool FrameSettings::*setting, bool enable) {
+    frames.Of(frame).*setting = enable;
     record(call, "frame", frame, "enable", enable);
 }
 
-bool RecordingProxy::get(char const * call, char const * frame, bool Frame::*setting) {
-    bool const result = frameOf(frame).*setting;
+bool RecordingProxy::get(char const * call, char const * frame, bool FrameSettings::*setting) {
+    bool const result = frames.Of(frame).*setting;
     record(call, "frame", frame, "result", result);
     return result;
-}
-
-RecordingProxy::Frame & RecordingProxy::frameOf(char const * name) {
-    std::string_view const wanted = name ? name : "";
-    auto const found = std::find_if(frames.begin(), frames.end(),
-                                    [wanted](Frame const & frame) { return frame.name == wanted; });
-    return found != frames.end() ? *found : frames.emplace_back(Frame{std::string(wanted)});
 }
 
 unsigned int RecordingProxy::numberOf(MathPrim::Mesh const * mesh) {
@@ -148,36 +141,36 @@ void RecordingProxy::OnFrame() { record("OnFrame"); }
 void RecordingProxy::OnSimulate() { record("OnSimulate"); }
 
 void RecordingProxy::List(std::vector<char const *> & names) {
-    names.clear();
-    for (Frame const & frame : frames)
-        names.push_back(frame.name.c_str());
+    frames.List(names);
     record("List", "result", names);
 }
 
 void RecordingProxy::SetDisplay(char const * frame, bool enable) {
-    set("SetDisplay", frame, &Frame::display, enable);
+    set("SetDisplay", frame, &FrameSettings::display, enable);
 }
 
-bool RecordingProxy::GetDisplay(char const * frame) { return get("GetDisplay", frame, &Frame::display); }
+bool RecordingProxy::GetDisplay(char const * frame) {
+    return get("GetDisplay", frame, &FrameSettings::display);
+}
 
 void RecordingProxy::SetAutoClear(char const * frame, bool enable) {
-    set("SetAutoClear", frame, &Frame::autoClear, enable);
+    set("SetAutoClear", frame, &FrameSettings::autoClear, enable);
 }
 
 bool RecordingProxy::GetAutoClear(char const * frame) {
-    return get("GetAutoClear", frame, &Frame::autoClear);
+    return get("GetAutoClear", frame, &FrameSettings::autoClear);
 }
 
 void RecordingProxy::SetAlwaysInFront(char const * frame, bool enable) {
-    set("SetAlwaysInFront", frame, &Frame::alwaysInFront, enable);
+    set("SetAlwaysInFront", frame, &FrameSettings::alwaysInFront, enable);
 }
 
 bool RecordingProxy::GetAlwaysInFront(char const * frame) {
-    return get("GetAlwaysInFront", frame, &Frame::alwaysInFront);
+    return get("GetAlwaysInFront", frame, &FrameSettings::alwaysInFront);
 }
 
 void RecordingProxy::Clear(char const * frame) {
-    frameOf(frame);
+    frames.Of(frame);
     record("Clear", "frame", frame);
 }
 

@@ -25,8 +25,8 @@
 // Failed writes show in the state of the stream.
 
 #include "Cross/Util/DebugRender.h"
+#include "samples/debugdraw/FrameTable.h"
 
-#include <deque>
 #include <ostream>
 #include <string>
 
@@ -65,23 +65,15 @@ public:
     void Draw(DebugRender::Point2D const & shape, char const * frame) override;
 
 private:
-    struct Frame {
-        std::string name;
-        bool display = true;
-        bool autoClear = true;
-        bool alwaysInFront = false;
-    };
-
     template <class... Members>
     void record(char const * call, Members const &... namesAndValues);
     template <class... Members>
     void draw(char const * shape, char const * frame, Members const &... namesAndValues);
-    void set(char const * call, char const * frame, bool Frame::*setting, bool enable);
-    bool get(char const * call, char const * frame, bool Frame::*setting);
-    Frame & frameOf(char const * name);
+    void set(char const * call, char const * frame, bool FrameSettings::*setting, bool enable);
+    bool get(char const * call, char const * frame, bool FrameSettings::*setting);
     unsigned int numberOf(MathPrim::Mesh const * mesh);
 
     std::ostream & out;
-    std::deque<Frame> frames; // in the order of first use; their names never move
+    FrameTable<FrameSettings> frames;
     std::vector<MathPrim::Mesh const *> meshes;
 };

@@ -1,0 +1,90 @@
+#pragma once
+
+// Canvas: what is drawn on, a window or a picture in memory, with the font. Both go through the same calls of
+// SDL; Dear ImGui makes the geometry of lines, areas and letters. A picture is drawn larger than it comes
+// out, which smooths its edges. What SDL refuses while drawing is traced.
+//
+// Threads: one, that of main for a window. One window at a time, since the events of all have one queue.
+
+#include "Cross/engine/core/MathPrim.h"
+#include "samples/renderer/Picture.h"
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <SDL.h>
+#include <imgui.h>
+
+class Canvas {
+public:
+    // Null, with the reason, where there is no display or the system refuses. Sizes are in pixels, above 0.
+    static std::unique_ptr<Canvas> OpenWindow(char const * title, int width, int height,
+                                              std::string & reason);
+    static std::unique_ptr<Canvas> OpenOffscreen(int width, int height, std::string & reason);
+
+    bool IsWindow() const { return window != nullptr; }
+
+    // The size of the canvas, the height of a line of text and the size of a text, in pixels. The font grows
+    // in whole steps with the canvas, so that letters stay sharp.
+    ImVec2 Size() const { return size; }
+
+    float TextHeight() const;
+    ImVec2 SizeOf(std::string_view text) const;
+
+    // Fills the canvas, after it took on the size of the window.
+    void Clear(MathPrim::Colour colour);
+
+    // Gives the list to draw into; Flush puts what it holds on the canvas. They come in pairs.
+    ImDrawList & Open();
+    void Flush();
+
+    // Shows the canvas in the window.
+    void Present();
+
+    // False, with the reason, when it can't be read.
+    bool TakePicture(Picture & picture, std::string & reason) const;
+
+private:
+    struct Closer {
+        // Each window was opened with a start of the video system, which SDL counts.
+        void operator()(SDL_Window * object) const {
+            SDL_DestroyWindow(object);
+            SDL_QuitSubSystem(SDL_INIT_VIDEO);
+        }
+
+        void operator()(SDL_Surface * object) const { SDL_FreeSurface(object); }
+
+        void operator()(SDL_Renderer * object) const { SDL_DestroyRenderer(object); }
+
+        void operator()(SDL_Texture * object) const { SDL_DestroyTexture(object); }
+
+        void operator()(ImGuiContext * object) const { ImGui::DestroyContext(object); }
+    };
+
+    template <class Object>
+    using Owned = std::unique_ptr<Object, Closer>;
+
+    Canvas() = default;
+
+    bool setUp(int wantedScale);
+    bool makeFont();
+    bool fitWindow();
+    void draw(ImDrawList const & list);
+    void draw(ImDrawList const & list, ImDrawCmd const & command) const;
+    void place(ImVector<ImDrawVert> const & vertices);
+
+    // In the order of their making. A picture has a surface, a window has itself and a target.
+    Owned<SDL_Window> window;
+    Owned<SDL_Surface> surface;
+    Owned<SDL_Renderer> renderer;
+    Owned<SDL_Texture> target;
+    Owned<SDL_Texture> fontTexture;
+    Owned<ImGuiContext> context;
+    ImVec2 size;
+    int scale = 1;          // dots along each side of a pixel
+    bool wholeDots = false; // SDL itself draws
+
+    std::vector<ImVec2> places; // of the vertices of a list, in dots
+};

@@ -1,0 +1,43 @@
+#pragma once
+
+// Debug shapes as a renderer keeps them until it shows them, with copies of what their callers lend: texts
+// and the corners of meshes.
+
+#include "Cross/Util/DebugRender.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+struct CopiedText3D {
+    Math::Vector3f position;
+    std::string text;
+    MathPrim::Colour colour;
+};
+
+struct CopiedText2D {
+    Math::Vector2f position;
+    std::string text;
+    MathPrim::Colour colour;
+};
+
+struct CopiedMesh {
+    // Indices that no vertex has, and what is left over of threes, are dropped.
+    explicit CopiedMesh(DebugRender::Mesh const & mesh);
+
+    // In world units. Those of a closed mesh have their normals, of second by third side, outside, whichever
+    // way the mesh goes round.
+    std::vector<std::array<Math::Vector3f, 3>> triangles;
+    MathPrim::Colour colour;
+};
+
+using Shape =
+    std::variant<DebugRender::Plane3D, CopiedMesh, CopiedText3D, CopiedText2D, DebugRender::Sphere,
+                 DebugRender::Circle3D, DebugRender::Circle, DebugRender::Cube, DebugRender::Tri,
+                 DebugRender::Line, DebugRender::Point, DebugRender::OvalOutline, DebugRender::RectOutline,
+                 DebugRender::Tri2D, DebugRender::Line2D, DebugRender::Point2D>;
+
+// What is shown of a text: null is "", and 8 KiB fill more than a screen.
+std::string_view ShownText(char const * text);

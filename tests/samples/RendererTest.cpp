@@ -1,0 +1,489 @@
+#include "samples/renderer/Renderer.h"
+
+#include "tests/support/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <SDL.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <functional>
+#include <limits>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Math::Vector3f;
+using MathPrim::Colour;
+
+// The camera stands ten units in front of the origin, so that 19.3 pixels are a unit there.
+constexpr int c_width = 320, c_height = 180;
+constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
+constexpr float c_inf = std::numeric_limits<float>::infinity();
+constexpr Colour c_green = Colour::FromWord(0xFF40C020), c_red = Colour::FromWord(0xFFE01030);
+
+class RendererTest : public testing::Test {
+protected:
+    RendererTest() : renderer(Renderer::OpenOffscreen(c_width, c_height, reason)) {}
+
+    void SetUp() override { ASSERT_TRUE(renderer) << reason; }
+
+    // What one frame shows of what is drawn in it.
+    Picture frame(std::function<void()> const & draw = [] {}) {
+        EXPECT_TRUE(renderer->Begin());
+        draw();
+        renderer->Display();
+        renderer->End();
+        Picture picture;
+        EXPECT_TRUE(renderer->TakePicture(picture, reason)) << reason;
+        return picture;
+    }
+
+    template <class Shape>
+    Picture frameOf(Shape const & shape) {
+        return frame([&] { renderer->Draw(shape, "f"); });
+    }
+
+    template <class Shape>
+    void draw(Shape const & shape, char const * name = "f") {
+        renderer->Draw(shape, name);
+    }
+
+    // Whether anything was drawn on a pixel or beside it.
+    bool marks(Picture const & picture, int x, int y) const {
+        for (int i = 0; i < 9; ++i)
+            if (picture.At(x - 1 + i % 3, y - 1 + i / 3) != renderer->background)
+                return true;
+        return false;
+    }
+
+    // Where anything was drawn, as left, top, right, bottom; all -1 for nowhere.
+    std::vector<int> extent(Picture const & picture) const {
+        std::vector<int> box(4, -1);
+        for (int y = 0; y < c_height; ++y)
+            for (int x = 0; x < c_width; ++x)
+                if (picture.At(x, y) != renderer->background)
+                    box = {box[0] < 0 ? x : std::min(box[0], x), box[1] < 0 ? y : box[1], std::max(box[2], x),
+                           y};
+        return box;
+    }
+
+    std::string reason;
+    std::unique_ptr<Renderer> renderer;
+};
+
+DebugRender::Tri triangle(float x, float z, Colour colour) {
+    return {{{x - 1, -1, z}, {x + 1, -1, z}, {x, 1.5f, z}}, colour};
+}
+
+DebugRender::Tri2D rightHalf(Colour colour) { return {{{0, -3}, {3, 0}, {0, 3}}, colour}; }
+
+Math::Matrix43f movedBy(float x) { return {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {x, 0, 0}}}; }
+
+MathPrim::Mesh triangleMesh() { return {{{-1, -1, 0}, {1, -1, 0}, {0, 1.5f, 0}}, {0, 2, 1}, {}}; }
+
+DebugRender::Cube cube(float x) {
+    return {{{x + 1, 1, 1},
+             {x + 1, 1, -1},
+             {x + 1, -1, -1},
+             {x + 1, -1, 1},
+             {x - 1, 1, 1},
+             {x - 1, 1, -1},
+             {x - 1, -1, -1},
+             {x - 1, -1, 1}},
+            c_green,
+            0};
+}
+
+struct Pixel {
+    int x, y;
+};
+
+// A shape about the middle of the view, moved by x, and pixels that it marks and leaves bare at x = 0.
+struct Exhibit {
+    char const * name;
+    std::function<void(DebugRenderProxy & to, float x)> draw;
+    std::vector<Pixel> marked, bare;
+};
+
+template <class Make>
+Exhibit exhibit(char const * name, Make make, std::vector<Pixel> marked, std::vector<Pixel> bare) {
+    return {name, [make](DebugRenderProxy & to, float x) { to.Draw(make(x), "f"); }, std::move(marked),
+            std::move(bare)};
+}
+
+std::vector<Exhibit> exhibits() {
+    using D = DebugRender;
+    static MathPrim::Mesh const mesh = triangleMesh();
+    return {
+        // filled: their middle, and their edges from both sides
+        exhibit("Plane3D",
+                [](float x) {
+                    return D::Plane3D{{x, 0, 0}, {0, 0, -1}, 2, c_green};
+                },
+                {{160, 90}, {142, 72}, {178, 108}}, {{160, 66}, {184, 90}}),
+        exhibit("Mesh",
+                [](float x) {
+                    return D::Mesh{&mesh, movedBy(x), c_green};
+                },
+                {{160, 90}, {160, 63}, {143, 108}}, {{143, 72}, {160, 113}}),
+        exhibit("Tri", [](float x) { return triangle(x, 0, c_green); }, {{160, 90}, {160, 63}, {143, 108}},
+                {{143, 72}, {160, 113}}),
+        exhibit("Point",
+                [](float x) {
+                    return D::Point{{x, 0, 0}, 2, c_green};
+                },
+                {{160, 90}, {142, 90}, {160, 108}}, {{143, 73}, {184, 90}}),
+        exhibit("Tri2D",
+                [](float x) {
+                    return D::Tri2D{{{x, 0}, {x + 0.5f, 0}, {x, 0.5f}}, c_green};
+                },
+                {{162, 88}, {200, 75}, {170, 55}}, {{156, 88}, {162, 94}, {220, 55}}),
+        exhibit("Point2D",
+                [](float x) {
+                    return D::Point2D{{x, 0}, 0.4f, c_green};
+                },
+                {{160, 90}, {143, 90}, {160, 107}}, {{145, 75}, {182, 90}}),
+        // lines: hollow, in the plane that they are given, a circle level
+        exhibit("Line",
+                [](float x) {
+                    return D::Line{{x - 2, 1, 0}, {x + 2, 1, 0}, c_green};
+                },
+                {{122, 71}, {160, 71}, {198, 71}}, {{160, 67}, {118, 71}, {202, 71}}),
+        exhibit("Circle",
+                [](float x) {
+                    return D::Circle{{x, -1, 0}, 2, c_green};
+                },
+                {{121, 109}, {199, 109}, {160, 106}, {160, 114}}, {{160, 110}, {160, 90}}),
+        exhibit("Circle3D",
+                [](float x) {
+                    return D::Circle3D{{x, 0, 0}, {0, 0, 3}, 2, c_green};
+                },
+                {{121, 90}, {199, 90}, {160, 51}, {160, 129}}, {{160, 90}}),
+        exhibit("Sphere",
+                [](float x) {
+                    return D::Sphere{{x, 0, 0}, 2, c_green};
+                },
+                {{121, 90}, {160, 51}, {188, 62}, {160, 90}}, {{150, 80}, {115, 90}}),
+        exhibit("Cube", [](float x) { return cube(x); }, {{139, 69}, {181, 111}, {142, 72}, {160, 69}},
+                {{160, 90}, {134, 90}}),
+        exhibit("OvalOutline",
+                [](float x) {
+                    return D::OvalOutline{{x, 0, 0}, {2, 0, 0}, {0, 1, 0}, c_green};
+                },
+                {{121, 90}, {199, 90}, {160, 71}, {160, 109}}, {{160, 90}, {124, 73}}),
+        exhibit("RectOutline",
+                [](float x) {
+                    return D::RectOutline{{x, 0, 0}, {2, 0, 0}, {0, 1, 0}, c_green};
+                },
+                {{121, 90}, {121, 71}, {199, 109}, {160, 71}}, {{160, 90}}),
+        exhibit("Line2D",
+                [](float x) {
+                    return D::Line2D{{x, 0}, {x, 1}, c_green};
+                },
+                {{160, 88}, {160, 2}}, {{160, 94}, {154, 50}}),
+        // a text in the scene stands over its position, one on the screen is right of it and level with it
+        exhibit("Text3D",
+                [](float x) {
+                    return D::Text3D{{x, 0, 0}, "HHH", c_green};
+                },
+                {{151, 84}, {168, 84}}, {{160, 94}, {144, 84}, {178, 84}}),
+        exhibit("Text2D",
+                [](float x) {
+                    return D::Text2D{{x + 0.5f, 0.5f}, "HHH", c_green};
+                },
+                {{163, 90}, {178, 90}}, {{156, 90}, {186, 90}, {163, 79}, {163, 101}}),
+    };
+}
+
+TEST_F(RendererTest, ShapesAppearWhereTheyAreSeen) {
+    for (Exhibit const & shape : exhibits()) {
+        Picture const picture = frame([&] { shape.draw(*renderer, 0.0f); });
+        for (Pixel const & pixel : shape.marked)
+            EXPECT_TRUE(marks(picture, pixel.x, pixel.y)) << shape.name << ' ' << pixel.x << ' ' << pixel.y;
+        for (Pixel const & pixel : shape.bare)
+            EXPECT_FALSE(marks(picture, pixel.x, pixel.y)) << shape.name << ' ' << pixel.x << ' ' << pixel.y;
+    }
+}
+
+TEST_F(RendererTest, WhatIsNotFiniteOrOutOfReachIsLeftOut) {
+    Picture const empty = frame();
+    for (float const x : {c_nan, c_inf, -c_inf, 1e30f, -3e38f})
+        for (Exhibit const & shape : exhibits())
+            EXPECT_EQ(frame([&] { shape.draw(*renderer, x); }), empty) << shape.name << ' ' << x;
+    // a size that is not a number
+    EXPECT_EQ(frameOf(DebugRender::Sphere{{}, c_nan, c_green}), empty);
+    EXPECT_EQ(frameOf(DebugRender::Point{{}, c_nan, c_green}), empty);
+}
+
+// Far beyond the screen there are no whole numbers of pixels left, but the part that is seen is right.
+TEST_F(RendererTest, ShapesThatReachFarBeyondTheScreenAreCut) {
+    Picture const picture = frameOf(DebugRender::Line{{-1e6f, 1, 0}, {1e6f, 1, 0}, c_green});
+    EXPECT_EQ(extent(picture), (std::vector{0, 69, c_width - 1, 71}));
+    // from behind the camera to the horizon
+    Picture const ground = frameOf(DebugRender::Plane3D{{0, -1, 0}, {0, 1, 0}, 1e6f, c_green});
+    EXPECT_EQ(extent(ground)[0], 0);
+    EXPECT_NEAR(extent(ground)[1], 90, 2);
+    for (int y = 92; y < c_height; ++y)
+        for (int x = 0; x < c_width; ++x)
+            ASSERT_EQ(ground.At(x, y), c_green) << x << ' ' << y;
+}
+
+TEST_F(RendererTest, ColoursAreExactAndBlended) {
+    EXPECT_EQ(frameOf(triangle(0, 0, c_green)).At(160, 90), c_green);
+    renderer->background = Colour::FromWord(0xFF000000);
+    Colour const half = frameOf(triangle(0, 0, Colour::FromWord(0x80FF0080))).At(160, 90);
+    EXPECT_NEAR(half.red, 128, 2);
+    EXPECT_NEAR(half.blue, 64, 2);
+    EXPECT_EQ(half.green, 0);
+}
+
+TEST_F(RendererTest, NearShapesCoverFarOnes) {
+    for (float const nearer : {-3.0f, 3.0f}) {
+        Picture const picture = frame([&] {
+            draw(triangle(0, nearer, c_green), "a");
+            draw(triangle(0, 0, c_red), "b");
+        });
+        EXPECT_EQ(picture.At(160, 90), nearer < 0 ? c_green : c_red) << nearer;
+    }
+    // what stands on the ground, far off, before and behind the ground's middle
+    for (float const z : {-3.0f, 40.0f}) {
+        renderer->camera.LookAt({0, 5, -10}, {0, 1, z});
+        Picture const picture = frame([&] {
+            draw(DebugRender::Plane3D{{0, -1, 10}, {0, 1, 0}, 200, c_red});
+            draw(triangle(0, z, c_green));
+        });
+        EXPECT_EQ(picture.At(160, 90), c_green) << z;
+    }
+}
+
+TEST_F(RendererTest, FramesInFrontCoverNearerShapes) {
+    renderer->SetAlwaysInFront("front", true);
+    Picture const picture = frame([&] {
+        draw(triangle(0, 5, c_green), "front");
+        draw(rightHalf(c_green), "front");
+        draw(triangle(0, -5, c_red));
+        draw(rightHalf(c_red));
+    });
+    EXPECT_EQ(picture.At(158, 90), c_green);
+    EXPECT_EQ(picture.At(300, 90), c_green);
+}
+
+TEST_F(RendererTest, WhatLiesOnTheScreenKeepsItsOrder) {
+    Picture const picture = frame([&] {
+        draw(DebugRender::Line2D{{0, 0}, {1, 0}, c_red});
+        draw(DebugRender::Text2D{{0.6f, 0.4f}, "covered", c_red});
+        draw(rightHalf(c_green));
+    });
+    EXPECT_EQ(picture, frameOf(rightHalf(c_green)));
+}
+
+// More corners than 16-bit indices can count.
+TEST_F(RendererTest, ManyShapesAreAllDrawn) {
+    Picture const picture = frame([&] {
+        for (int i = 0; i < 20'000; ++i)
+            draw(DebugRender::Line2D{{-0.5f, 0}, {-0.4f, 0}, c_red});
+        draw(rightHalf(c_green));
+    });
+    EXPECT_EQ(extent(picture), (std::vector{80, 0, c_width - 1, c_height - 1}));
+    EXPECT_EQ(picture.At(300, 90), c_green);
+}
+
+TEST_F(RendererTest, FramesAreEmptiedAfterTheyWereShown) {
+    Picture const empty = frame();
+    draw(triangle(0, 0, c_green), "kept");
+    draw(rightHalf(c_red));
+    renderer->SetAutoClear("kept", false);
+    EXPECT_EQ(frame().At(300, 90), c_red);
+    Picture const kept = frame();
+    EXPECT_EQ(kept.At(160, 90), c_green);
+    EXPECT_EQ(kept.At(300, 90), renderer->background);
+
+    // hidden frames are emptied too
+    renderer->SetDisplay("kept", false);
+    renderer->SetDisplay("f", false);
+    draw(rightHalf(c_red));
+    EXPECT_EQ(frame(), empty);
+    renderer->SetDisplay("kept", true);
+    renderer->SetDisplay("f", true);
+    EXPECT_EQ(frame(), kept);
+    renderer->Clear("kept");
+    EXPECT_EQ(frame(), empty);
+}
+
+TEST_F(RendererTest, FramesComeIntoBeingAtFirstUse) {
+    std::string name = "first";
+    EXPECT_TRUE(renderer->GetDisplay(name.c_str()));
+    name = "other";
+    EXPECT_TRUE(renderer->GetAutoClear(nullptr));
+    EXPECT_FALSE(renderer->GetAlwaysInFront("first"));
+    std::vector<char const *> frames{"before"};
+    renderer->List(frames);
+    ASSERT_EQ(frames.size(), 2u);
+    EXPECT_STREQ(frames[0], "first");
+    EXPECT_STREQ(frames[1], "");
+}
+
+TEST_F(RendererTest, WhatIsLentIsCopied) {
+    std::string text = "text";
+    MathPrim::Mesh mesh = triangleMesh();
+    auto const drawBoth = [&] {
+        draw(DebugRender::Text2D{{0.1f, 0.1f}, text.c_str(), c_green});
+        draw(DebugRender::Text3D{{0, 2, 0}, text.c_str(), c_green});
+        draw(DebugRender::Mesh{&mesh, movedBy(0), c_green});
+    };
+    Picture const expected = frame(drawBoth);
+    EXPECT_EQ(frame([&] {
+                  drawBoth();
+                  text = "gone";
+                  mesh.vertices = {};
+              }),
+              expected);
+}
+
+TEST_F(RendererTest, MeshesDropWhatHasNoTriangle) {
+    Picture const empty = frame();
+    MathPrim::Mesh mesh = triangleMesh();
+    Picture const whole = frameOf(DebugRender::Mesh{&mesh, movedBy(0), c_green});
+    mesh.indices.insert(mesh.indices.begin(), {0, 1, 3}); // no such vertex
+    mesh.indices.push_back(0);                            // no triangle
+    EXPECT_EQ(frameOf(DebugRender::Mesh{&mesh, movedBy(0), c_green}), whole);
+    mesh.indices.clear();
+    EXPECT_EQ(frameOf(DebugRender::Mesh{&mesh, movedBy(0), c_green}), empty);
+    EXPECT_EQ(frameOf(DebugRender::Mesh{nullptr, movedBy(0), c_green}), empty);
+}
+
+// A text marks nothing outside of its measured size, but for its shadow, and no less than the letters fill.
+TEST_F(RendererTest, TextsFillTheirMeasuredSize) {
+    char const * const text = "Wide [text] jpq";
+    int const width = static_cast<int>(renderer->GetTextWidth(text) * c_width + 0.5f);
+    int const height = static_cast<int>(renderer->GetTextHeight() * c_height + 0.5f);
+    EXPECT_EQ(width, 15 * 7);
+    EXPECT_EQ(height, 13);
+    std::vector<int> const box = extent(frameOf(DebugRender::Text2D{{0.25f, 0.5f}, text, c_green}));
+    EXPECT_GE(box[0], c_width / 4);
+    EXPECT_LE(box[2], c_width / 4 + width);
+    EXPECT_GE(box[2] - box[0], width - 4);
+    EXPECT_GE(box[1], c_height / 2 - height / 2 - 1);
+    EXPECT_LE(box[3], c_height / 2 + height / 2 + 1);
+    EXPECT_GE(box[3] - box[1], height - 4);
+}
+
+TEST_F(RendererTest, TextsMayBeNullHugeAndNoUtf8) {
+    Picture const empty = frame();
+    EXPECT_EQ(renderer->GetTextWidth(nullptr), 0.0f);
+    EXPECT_EQ(frameOf(DebugRender::Text2D{{0.5f, 0.5f}, nullptr, c_green}), empty);
+    EXPECT_EQ(frameOf(DebugRender::Text3D{{}, nullptr, c_green}), empty);
+    std::string const huge(3'000'000, 'H');
+    EXPECT_GT(renderer->GetTextWidth(huge.c_str()), 1.0f);
+    Picture const picture = frame([&] {
+        draw(DebugRender::Text2D{{0.5f, 0.5f}, huge.c_str(), c_green});
+        draw(DebugRender::Text3D{{}, huge.c_str(), c_green});
+    });
+    EXPECT_TRUE(marks(picture, c_width - 3, 90));
+    EXPECT_NE(frameOf(DebugRender::Text2D{{0.5f, 0.5f}, "\xFF\xC0", c_green}), empty);
+}
+
+TEST_F(RendererTest, TheSameIsDrawnEachTimeToTheByte) {
+    TemporaryFolder const folder;
+    std::unique_ptr<Renderer> const first = std::move(renderer);
+    for (char const * const name : {"first.png", "second.png"}) {
+        renderer = Renderer::OpenOffscreen(c_width, c_height, reason);
+        frame([&] {
+            for (Exhibit const & shape : exhibits())
+                shape.draw(*renderer, 0.1f);
+        });
+        ASSERT_TRUE(renderer->SavePng((folder / name).c_str(), reason)) << reason;
+    }
+    EXPECT_EQ(folder.ReadFile("first.png").substr(0, 8), "\x89PNG\r\n\x1A\n");
+    EXPECT_EQ(folder.ReadFile("first.png"), folder.ReadFile("second.png"));
+
+    EXPECT_FALSE(renderer->SavePng((folder / "missing/picture.png").c_str(), reason));
+    EXPECT_NE(reason.find("missing/picture.png"), std::string::npos) << reason;
+}
+
+TEST_F(RendererTest, TheCameraTurnsZoomsAndPicks) {
+    Camera & camera = renderer->camera;
+    camera.Orbit(1.5707964f, 0.0f); // to the right: the origin is seen from the east
+    EXPECT_NEAR(camera.Position().x, 10.0f, 1e-4f);
+    EXPECT_NEAR(camera.Position().z, 0.0f, 1e-4f);
+    camera.Zoom(0.5f);
+    EXPECT_NEAR(camera.Position().x, 5.0f, 1e-4f);
+    camera.Zoom(-1.0f);
+    camera.Zoom(c_nan);
+    EXPECT_NEAR(camera.Position().x, 5.0f, 1e-4f);
+    for (int i = 0; i < 10; ++i)
+        camera.Orbit(0.0f, 1.0f);
+    EXPECT_NEAR(camera.Position().y, 5.0f, 0.01f);
+    EXPECT_EQ(frameOf(DebugRender::Point{{}, 1, c_green}).At(160, 90), c_green);
+
+    // a ray through a pixel meets what is seen there
+    camera.LookAt({3, 4, -5}, {0, 1, 2});
+    float const aspect = static_cast<float>(c_width) / c_height;
+    MathPrim::Rayf const ray = camera.RayThrough({0.4f, -0.3f}, aspect);
+    Vector3f const seen = camera.ToScreen(ray.origin + ray.direction * 7.0f, aspect);
+    EXPECT_NEAR(seen.x / seen.z, 0.4f, 1e-4f);
+    EXPECT_NEAR(seen.y / seen.z, -0.3f, 1e-4f);
+}
+
+// Sets a variable of the environment, or takes it out, while it lives.
+class Environment {
+public:
+    Environment(char const * name, char const * value) : name(name) {
+        if (char const * const present = std::getenv(name))
+            before = present;
+        set(value);
+    }
+
+    Environment(Environment const &) = delete;
+    Environment & operator=(Environment const &) = delete;
+
+    ~Environment() { set(before ? before->c_str() : nullptr); }
+
+private:
+    void set(char const * value) { value ? setenv(name, value, 1) : unsetenv(name); }
+
+    char const * name;
+    std::optional<std::string> before;
+};
+
+TEST_F(RendererTest, WithoutADisplayThereIsNoWindowButAReason) {
+    Environment const noX("DISPLAY", nullptr), noWayland("WAYLAND_DISPLAY", nullptr),
+        noSocket("XDG_RUNTIME_DIR", "/nowhere");
+    for (char const * const name : {static_cast<char const *>(nullptr), "none such"}) {
+        Environment const driver("SDL_VIDEODRIVER", name);
+        reason.clear();
+        EXPECT_FALSE(Renderer::OpenWindow("test", c_width, c_height, reason));
+        EXPECT_FALSE(reason.empty());
+    }
+}
+
+TEST_F(RendererTest, WindowsDrawAndHandKeysOn) {
+    Environment const driver("SDL_VIDEODRIVER", "dummy");
+    renderer = Renderer::OpenWindow("test", c_width, c_height, reason);
+    ASSERT_TRUE(renderer) << reason;
+    std::string keys;
+    renderer->onKey = [&](char const * key, bool repeated) {
+        keys.append(key).append(repeated ? "+ " : " ");
+    };
+    SDL_Event event{};
+    event.type = SDL_KEYDOWN;
+    event.key.keysym.sym = SDLK_UP;
+    SDL_PushEvent(&event);
+    event.key.repeat = 1;
+    SDL_PushEvent(&event);
+    Picture const picture = frameOf(triangle(0, 0, c_green));
+    EXPECT_EQ(keys, "Up Up+ ");
+    EXPECT_EQ(picture.At(160, 90), c_green);
+    EXPECT_EQ(picture.At(140, 70), renderer->background);
+    event.type = SDL_QUIT;
+    SDL_PushEvent(&event);
+    EXPECT_FALSE(renderer->Begin());
+}
+
+} // namespace
