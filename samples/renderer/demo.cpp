@@ -7,6 +7,7 @@
 #include "samples/renderer/Renderer.h"
 
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <memory>
 #include <string>
