@@ -1,8 +1,11 @@
 #include "samples/sandbox/GameLoop.h"
 
+#include "Cross/Util/CheatMenu.h"
 #include "Cross/Util/DebugRender.h"
 #include "Cross/Util/RenderStats.h"
 #include "Cross/engine/filesystem/FilePath.h"
+
+#include <algorithm>
 
 GameLoop::GameLoop(Game & game) : game(game), view(game.world), alive(StatGraph::ChannelCreate("alive")) {
     StatGraph::ChannelEnable(alive, true);
@@ -21,10 +24,16 @@ void GameLoop::RunFrame() {
     DebugRender::Display();
 }
 
+void GameLoop::SetSpeed(float stepsPerFrame) {
+    speed = stepsPerFrame > 0.0f ? std::min(stepsPerFrame, 16.0f) : 0.0f;
+}
+
 void GameLoop::simulate() {
     simulateBlock.Start();
-    game.world.Step();
-    DebugRender::OnSimulate();
+    for (owedSteps += paused ? 0.0f : speed; owedSteps >= 1.0f; --owedSteps) {
+        game.world.Step();
+        DebugRender::OnSimulate();
+    }
     simulateBlock.Stop();
     unsigned int count = 0;
     for (unsigned int unit = 0; unit < game.world.GetUnits().size(); ++unit)
@@ -37,5 +46,7 @@ void GameLoop::draw() {
     DebugRender::OnFrame();
     view.Draw();
     RenderStats::Instance()->UpdateAndDraw(c_step);
+    if (CheatMenu * const menu = CheatMenu::Instance())
+        menu->UpdateAndDraw(c_step);
     drawBlock.Stop();
 }

@@ -17,10 +17,15 @@ public:
     GameLoop & operator=(GameLoop const &) = delete;
     ~GameLoop();
 
-    // Simulates one step and draws it into the registered renderer, if there is one.
+    // Simulates the steps that are due and draws the world into the registered renderer, if there is one.
     void RunFrame();
 
     WorldView & View() { return view; }
+
+    // Steps per frame, 0 to 16: a fraction waits for the next frames.
+    void SetSpeed(float stepsPerFrame);
+
+    void SetPause(bool pause) { paused = pause; }
 
 private:
     void simulate();
@@ -31,4 +36,7 @@ private:
     PerfBlock simulateBlock{"simulate"};
     PerfBlock drawBlock{"draw"};
     StatGraph::Handle alive;
+    float speed = 1.0f;
+    float owedSteps = 0.0f;
+    bool paused = false;
 };

@@ -96,6 +96,15 @@ std::optional<unsigned int> WorldView::Pick(MathPrim::Rayf const & ray) const {
     return nearest;
 }
 
+void WorldView::SelectNext() {
+    auto const count = static_cast<unsigned int>(world.GetUnits().size());
+    unsigned int const first = selected ? *selected + 1 : 0;
+    selected.reset();
+    for (unsigned int i = 0; i < count && !selected; ++i)
+        if (unsigned int const unit = (first + i) % count; world.StateOf(unit).alive)
+            selected = unit;
+}
+
 BoundVolume WorldView::VolumeOf(unsigned int unit) const {
     BoundVolume volume = bounds;
     volume.Transform(transformOf(unit));

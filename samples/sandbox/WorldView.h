@@ -24,6 +24,11 @@ public:
 
     std::optional<unsigned int> GetSelected() const { return selected; }
 
+    // The living unit behind the selected one, round the end; none when none lives.
+    void SelectNext();
+
+    bool ShowsBounds() const { return showsBounds; }
+
     void ShowBounds(bool show) { showsBounds = show; }
 
     // The volume of a unit where it stands now.

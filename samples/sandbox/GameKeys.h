@@ -1,0 +1,10 @@
+#pragma once
+
+// The keys of the game, by the names that the renderer gives them, whatever their case: F1 shows and closes
+// the menu, the arrows, Return and Backspace walk it, F2 switches graphs, F3 render statistics, F4 the bound
+// volume of the selected unit; Tab selects the next unit.
+
+#include "samples/sandbox/GameLoop.h"
+
+// False for a key that means nothing.
+bool PressKey(GameLoop & loop, char const * key);
