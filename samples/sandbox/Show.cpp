@@ -1,15 +1,14 @@
 #include "samples/sandbox/Show.h"
 
-#include "Cross/Util/CheatMenu.h"
 #include "Cross/Util/DebugRender.h"
 #include "Cross/Util/RenderStats.h"
-#include "Cross/engine/filesystem/FilePath.h"
 #include "Cross/engine/scriptconfig/GlobalLua.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "samples/debugdraw/GraphSink.h"
 #include "samples/debugdraw/RecordingProxy.h"
 #include "samples/renderer/Renderer.h"
 #include "samples/sandbox/GameKeys.h"
+#include "samples/sandbox/GameMenu.h"
 #include "samples/sandbox/GameScripts.h"
 #include "samples/sandbox/StepClock.h"
 
@@ -27,28 +26,6 @@ constexpr int c_width = 1280, c_height = 720;
 constexpr unsigned int c_framesPerKey = 20; // the menu has come to rest then
 constexpr std::uint32_t c_seed = 20261123;
 constexpr unsigned int c_tanks = 24;
-
-// The menu of the game, loaded again when its file is saved.
-class Menu : public FilePath::IFileChangeNotify {
-public:
-    explicit Menu(std::string const & file) {
-        CheatMenu::Initialize();
-        CheatMenu::RegisterLua(*GlobalLua::GetState());
-        CheatMenu::Instance()->LoadCheatMenu(file.c_str(), true);
-        FilePath::AttachFileChangeNotification(file.c_str(), this);
-    }
-
-    Menu(Menu const &) = delete;
-    Menu & operator=(Menu const &) = delete;
-
-    ~Menu() override {
-        FilePath::DetachFileChangeNotification(this, nullptr);
-        CheatMenu::Shutdown();
-    }
-
-private:
-    void OnFileChanged(char const *) override { CheatMenu::Instance()->Reload(); }
-};
 
 // The graphs on screen while it lives.
 class Graphs {
@@ -84,7 +61,8 @@ private:
 
 // A game at its beginning, with all that is played with.
 struct Show {
-    Show(Game & game, std::string const & menuFile) : loop(prepared(game)), scripts(loop), menu(menuFile) {
+    Show(Game & game, std::string const & menuFile)
+        : loop(prepared(game)), scripts(loop), menu(menuFile.c_str()) {
         loop.View().Select(0);
     }
 
@@ -96,7 +74,7 @@ struct Show {
 
     GameLoop loop;
     GameScripts scripts;
-    Menu menu;
+    GameMenu menu;
     Graphs graphs;
 };
 

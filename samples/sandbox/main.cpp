@@ -102,6 +102,7 @@ void runChecks(Report & report, Game & game, StartUp const & start, Settings con
     CheckSettings(report, game);
     CheckConfigFiles(report);
     CheckInstruments(report, game);
+    CheckMenu(report, game);
     CheckRecords(report);
     CheckSync(report, settings.desync);
     CheckNothingLeft(report, game);
