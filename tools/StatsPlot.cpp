@@ -48,6 +48,8 @@ std::string escaped(std::string_view raw) {
             escaped += u"&amp;";
         else if (unit == u'<')
             escaped += u"&lt;";
+        else if (unit == u'>') // "]]>" may not stand in a text
+            escaped += u"&gt;";
         else
             escaped += unit < 0x20 || unit >= 0xFFFE ? u'\uFFFD' : unit;
     }

@@ -44,6 +44,15 @@ std::vector<std::pair<double, double>> pointsOf(std::string const & svg) {
     return points;
 }
 
+// What the labels of one axis show, a blank behind each.
+std::string labelsOf(std::string const & svg, char const * place) {
+    std::regex const label(std::string("<text ") + place + "[^>]*>([^<]*)<");
+    std::string labels;
+    for (std::sregex_iterator match(svg.begin(), svg.end(), label), last; match != last; ++match)
+        labels += (*match)[1].str() + ' ';
+    return labels;
+}
+
 std::string const c_crash = "\nthe row of names is missing, as after a crash: channels are numbered";
 
 } // namespace
@@ -118,14 +127,14 @@ TEST(StatsLog, RefusesWhatNoSinkWrites) {
 
 TEST(StatsLog, SummarizesByRank) {
     std::vector<StatsSample> samples;
-    for (std::uint32_t i = 0; i < 200; ++i)
-        samples.push_back({i, static_cast<float>(i * 77 % 200 + 1)}); // 1 to 200, mixed
+    for (std::uint32_t i = 0; i < 211; ++i)
+        samples.push_back({i, static_cast<float>(i * 77 % 211 + 1)}); // 1 to 211, mixed
     StatsSummary const summary = Summarize(samples);
     EXPECT_EQ(summary.least, 1.0f);
-    EXPECT_EQ(summary.greatest, 200.0f);
-    EXPECT_EQ(summary.average, 100.5);
-    EXPECT_EQ(summary.percent95, 190.0f);
-    EXPECT_EQ(summary.percent99, 198.0f);
+    EXPECT_EQ(summary.greatest, 211.0f);
+    EXPECT_EQ(summary.average, 106.0);
+    EXPECT_EQ(summary.percent95, 201.0f) << "200.45 samples are not enough";
+    EXPECT_EQ(summary.percent99, 209.0f);
     EXPECT_EQ(Summarize({{0, 3.0f}}).percent99, 3.0f);
 }
 
@@ -155,12 +164,39 @@ TEST(StatsPlot, BreaksTheLineAtGapsAndShowsEveryName) {
              std::string());
     std::string const svg = PlotStats(log, "<title>");
     EXPECT_NE(svg.find("d=\"M90.00,174.00m-2,0h4M630.00,114.00L1170.00,84.00\""), std::string::npos) << svg;
+    EXPECT_NE(svg.find("<text x=\"84.00\" y=\"88.00\" text-anchor=\"end\" fill=\"#444\">4</text>"),
+              std::string::npos)
+        << "the label stands where the line has this value";
     EXPECT_NE(svg.find(">a&lt;b &amp; \uFFFD\"\uFFFD</text>"), std::string::npos);
-    EXPECT_NE(svg.find(">&lt;title></text>"), std::string::npos);
+    EXPECT_NE(svg.find(">&lt;title&gt;</text>"), std::string::npos);
     EXPECT_NE(svg.find("minimum 1 \u00A0 average 2.667 \u00A0 95% 4 \u00A0 99% 4 \u00A0 maximum 4"),
               std::string::npos);
     EXPECT_NE(svg.find("no samples \u00A0 not finite 1"), std::string::npos);
     EXPECT_NE(svg.find(">seconds since the first row</text>"), std::string::npos);
+}
+
+TEST(StatsPlot, AxesHaveRoundSteps) {
+    struct Case {
+        char const * text;
+        char const * values; // from the bottom
+        char const * times;
+    };
+
+    Case const c_cases[] = {
+        {"0.000,1,\n12.000,4,\n", "0 1 2 3 4 ", "0 1 2 3 4 5 6 7 8 9 10 11 12 "},
+        {"5.000,-3,\n5.030,7,\n", "-5 0 5 10 ", "0 0.005 0.01 0.015 0.02 0.025 0.03 "},
+        // values that lie closer to each other than to 0 do without it
+        {"0.000,1000.25,\n7.000,1000.75,\n", "1000.2 1000.4 1000.6 1000.8 ", "0 1 2 3 4 5 6 7 "},
+        {"0.000,-1000.25,\n7.000,-1000.75,\n", "-1000.8 -1000.6 -1000.4 -1000.2 ", "0 1 2 3 4 5 6 7 "},
+        // one value alone does not
+        {"0.000,-5,\n300.000,-5,\n", "-6 -4 -2 0 ", "0 50 100 150 200 250 300 "},
+        {"0.000,0,\n300.000,0,\n", "0 0.5 1 ", "0 50 100 150 200 250 300 "},
+    };
+    for (Case const & test : c_cases) {
+        std::string const svg = PlotStats(read(test.text), "t");
+        EXPECT_EQ(labelsOf(svg, "x=\"84.00\""), test.values) << test.text;
+        EXPECT_EQ(labelsOf(svg, "[^>]*\"middle\""), test.times) << test.text;
+    }
 }
 
 // One row, values at the ends of float, and values that differ in the last digit have an axis too.

@@ -1,11 +1,13 @@
 #include "Cross/Util/StatgraphFile.h"
 
 #include "tests/support/AliasedFolder.h"
+#include "tests/support/CrashFiles.h"
 #include "tests/support/GraphSink.h"
 #include "tests/support/HandClock.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <limits>
 #include <memory>
 
@@ -51,7 +53,21 @@ protected:
     std::unique_ptr<StatGraph::Sink> sink{StatgraphFile::Create()};
 };
 
+using StatgraphFileDeathTest = StatgraphFileTest;
+
 } // namespace
+
+// The graph deletes the sink when the channels are gone, behind the end of main.
+TEST_F(StatgraphFileDeathTest, TheNamesAreWrittenAtUnload) {
+    auto const leaveRegistered = [this] {
+        Enable("a", 1.0f);
+        StatGraph::Register(sink.release());
+        StatGraph::Update();
+        std::exit(0);
+    };
+    EXPECT_EXIT(leaveRegistered(), testing::ExitedWithCode(0), "");
+    EXPECT_EQ(Text(), "0.000,1.000,\ntime,a,\n");
+}
 
 TEST_F(StatgraphFileTest, NothingIsWrittenBeforeAChannelIsEnabled) {
     EXPECT_EQ(folder.CountEntries(), 0u);
@@ -59,6 +75,7 @@ TEST_F(StatgraphFileTest, NothingIsWrittenBeforeAChannelIsEnabled) {
     StatGraph::ChannelCreate("disabled");
     Update();
     EXPECT_EQ(WholeText(), "");
+    EXPECT_TRUE(VisitedCrashFiles().empty()) << "a file that is complete tells nothing of a crash";
 }
 
 TEST_F(StatgraphFileTest, ColumnsAreAddedAtTheRightAndStay) {
@@ -87,13 +104,6 @@ TEST_F(StatgraphFileTest, ColumnsAreAddedAtTheRightAndStay) {
                            "4294967.295,1.062,,-0.000,\n"
                            "4294967.295,1.062,7.000,-0.000,\n"
                            "time,b,a,d,\n");
-}
-
-TEST_F(StatgraphFileTest, WhatIsNoNumberIsWritten) {
-    Enable("a", std::numeric_limits<float>::infinity());
-    Enable("b", std::numeric_limits<float>::quiet_NaN());
-    Update();
-    EXPECT_EQ(Text(), "0.000,inf,nan,\n");
 }
 
 // A new channel hides an older one of its name, whose column it takes; the older one, still enabled, has been

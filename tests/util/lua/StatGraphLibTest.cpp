@@ -78,6 +78,14 @@ TEST_F(StatGraphLibTest, ScriptsPauseAndListNothing) {
     EXPECT_FALSE(StatGraph::GetPause());
 }
 
+TEST_F(StatGraphLibTest, ClearingGivesADisabledChannelAColourToo) {
+    StatGraph::ChannelCreate("a");
+    EXPECT_TRUE(state.RunString("statgraph_clear()", true));
+    GraphSink sink;
+    StatGraph::Update();
+    EXPECT_NE(sink.channels[0]->colour.ToWord(), 0xFFFFFFFFu) << "that of a new channel";
+}
+
 TEST_F(StatGraphLibTest, LongNamesArePrintedWhole) {
     std::string const longName(100'000, 'N');
     EXPECT_TRUE(state.RunString(("statgraph_channel('" + longName + "')").c_str(), true));
