@@ -138,13 +138,22 @@ TEST_F(MenuLint, AgreesWithTheMenu) {
     EXPECT_EQ(trace.lines, Words());
 }
 
-// A menu that is deeper than a state has room for.
+// Deeper than a state has room for, be it a line or a table of lines that finds none.
 TEST_F(MenuLint, EndsWhereTheRoomEnds) {
-    MenuReport const report = lint("SubMenuItems = {} local lines = SubMenuItems for i = 1, 10000 do "
-                                   "lines[1] = { name = 'x', type = SubMenu, SubMenuItems = {} } "
-                                   "lines = lines[1].SubMenuItems end");
-    ASSERT_EQ(report.findings.size(), 1u);
-    EXPECT_NE(report.findings[0].reason.find("no room"), std::string::npos);
+    std::set<std::string> reasons;
+    for (int tables = 0; tables < 2; ++tables) {
+        LuaConfig state("", true);
+        EXPECT_TRUE(state.RunString("SubMenuItems = {} local lines = SubMenuItems for i = 1, 10000 do "
+                                    "lines[1] = { name = 'x', type = 0, SubMenuItems = {} } "
+                                    "lines = lines[1].SubMenuItems end",
+                                    true));
+        for (int i = 0; i < tables; ++i)
+            state.PushTableGlobals();
+        for (MenuReport::Finding const & finding : LintMenu(state).findings)
+            reasons.insert(finding.reason);
+    }
+    EXPECT_EQ(reasons, (std::set<std::string>{"is dropped: the state has no room for another table",
+                                              "stays empty: the state has no room for another table"}));
 }
 
 TEST_F(MenuLint, TheVerbNamesFileAndPath) {

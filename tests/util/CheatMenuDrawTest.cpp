@@ -216,6 +216,8 @@ TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
     }
     LoadLines(separator("a"));
     EXPECT_NE(Drawn().find("[-0.5142871,"), std::string::npos) << "widths never shrink";
+    LoadLines(variable(b20, ", var_type = Float"));
+    EXPECT_NE(Drawn().find("[-0.2731048,"), std::string::npos) << "but grow with each load";
 }
 
 TEST_F(CheatMenuDrawTest, ChildrenOpenBesideTheirLine) {

@@ -77,6 +77,10 @@ TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
         LoadLines(test.lines);
         EXPECT_EQ(Texts(), test.texts) << test.lines;
     }
+    State().PushTable("aside");
+    LoadLines(command("a"));
+    EXPECT_EQ(Texts(), "a ") << "wherever the cursor is";
+    State().PopTable();
     EXPECT_EQ(trace.lines, Lines());
     EXPECT_EQ(lua_gettop(State().GetState()), 1);
 }
@@ -383,12 +387,13 @@ TEST_F(CheatMenuTest, ScriptsMayTakeTheMenuAway) {
         EXPECT_EQ(Texts(), test.texts) << context << test.act;
     };
     for (Case const & test : cases) {
-        load(test, floatLine("get()", ""));
-        Frame();
-        check(test, "float get while drawn: ");
-        load(test, variable("v", "get = 'get() == 1'"));
-        Frame();
-        check(test, "boolean get while drawn: ");
+        for (std::string const & line : {floatLine("get()", ""), variable("v", "get = 'get() == 1'")}) {
+            load(test, line);
+            std::string const drawn = Drawn();
+            bool const goesOn = drawn.rfind("\"text\":\"x\"") > drawn.find("\"text\":\"v\"");
+            EXPECT_EQ(goesOn, std::strcmp(test.act, "menu_reload()") == 0) << line << test.act;
+            check(test, "get while drawn: " + line);
+        }
         for (char const * const key : {"l", "r"}) {
             load(test, floatLine("get()", "set = %f"));
             Run("set = nil");
@@ -399,11 +404,11 @@ TEST_F(CheatMenuTest, ScriptsMayTakeTheMenuAway) {
             Press(key);
             check(test, "boolean set: ");
         }
-        load(test, "{ name = 'c', type = Command, command = 'act()' },");
+        load(test, "{ name = 'c', type = Command, command = 'act() error()' },");
         Press("a");
+        EXPECT_EQ(trace.lines.back(), "CheatMenu: error running function 'act() error()'");
         check(test, "command: ");
     }
-    EXPECT_EQ(trace.lines.back().find("error running"), std::string::npos);
 }
 
 TEST_F(CheatMenuTest, AMenuFileMayLoadAnotherOrShutTheMenuDown) {
