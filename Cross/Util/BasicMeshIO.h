@@ -35,7 +35,8 @@ CROSS_UTIL_API void Load(Chunky & file, MathPrim::Mesh & mesh);
 
 CROSS_UTIL_API void SaveList(Chunky & file, std::vector<MeshInfo> const & meshes);
 
-// Appends the meshes of a list. After an exception those in front of the bad one have been appended.
+// Appends the meshes of a list. After an exception those in front of the bad one have been appended, and the
+// folder of the list has not been left.
 CROSS_UTIL_API void LoadList(Chunky & file, std::vector<MeshInfo> & meshes);
 
 } // namespace BasicMeshIO
