@@ -121,6 +121,8 @@ TEST(StatsLog, RefusesWhatNoSinkWrites) {
         {"1.000,1" + std::string(40, '0') + ",\n", "line 1: has a field that is no number"},
         {row + "time,a,\n" + row, "line 3: stands behind the row of names"},
         {row + std::string(10'000'000, '1'), "line 2: is longer than a row of a stat graph's log"},
+        {"1.000," + std::string(4090, '0') + ",\n" + row,
+         "line 1: is longer than a row of a stat graph's log"},
     };
     for (Case const & test : c_cases) {
         std::string const reason = ReasonOf([&] { read(test.text); });
