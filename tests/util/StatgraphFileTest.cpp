@@ -153,13 +153,14 @@ TEST_F(StatgraphFileTest, WhatDoesNotFitLeavesTheOthersInTheirColumns) {
 TEST_F(StatgraphFileTest, AFileThatCannotBeMadeIsTriedAgain) {
     folder.WriteFile("block", "");
     FilePath::SetAlias("log", (folder / "block").c_str());
-    Enable("a", 1.0f);
+    Enable("b", 1.0f);
     Update();
     FilePath::SetAlias("log", folder.Path().c_str());
     std::filesystem::remove(folder / "block");
     clock.milliseconds = 1000;
+    Enable("a", 2.0f);
     Update();
-    EXPECT_EQ(WholeText(), "1.000,1.000,\ntime,a,\n");
+    EXPECT_EQ(WholeText(), "1.000,1.000,2.000,\ntime,b,a,\n") << "columns open without a file too";
 
     // without any file the head is dropped too
     FilePath::SetAlias("log", (folder / "nowhere/block").c_str());
