@@ -54,17 +54,16 @@ private:
     // The length of the next line with its end, in the buffer from `begin` on; 0 at the end of the stream.
     std::size_t findLine() {
         for (std::size_t searched = begin;;) {
-            void const * const found = std::memchr(buffer.data() + searched, '\n', end - searched);
-            if (found)
-                return static_cast<std::size_t>(static_cast<char const *>(found) - buffer.data()) + 1 - begin;
-            std::size_t const rest = end - begin;
-            if (rest >= longest) {
+            std::size_t const found = std::string_view(buffer.data(), end).find('\n', searched);
+            bool const hasLine = found != std::string_view::npos;
+            std::size_t const length = (hasLine ? found + 1 : end) - begin;
+            if (length > longest || (length == longest && !hasLine)) {
                 ++number;
                 Fail(tooLong);
             }
-            if (!refill())
-                return rest;
-            searched = rest;
+            if (hasLine || !refill())
+                return length;
+            searched = length;
         }
     }
 

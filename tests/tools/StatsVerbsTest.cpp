@@ -77,8 +77,11 @@ TEST(StatsLog, ReadsWhatTheSinkWrites) {
          "channel 1 0:1 !0; 1000\n"
          "line 2 has 2 names for 1 channels, as when one holds a comma: they are numbered"},
         {"1.000,inf,\n1.016,-nan,\n1.033,1.000,\ntime,a,\n", "a 2:1 !2; 1000 1016 1033"},
-        // the clock wraps after 2^32 milliseconds
-        {"4294967.290,1.000,\n0.006,1.000,\ntime,a,\n", "a 0:1 1:1 !0; 4294967290 4294967302"},
+        // the clock wraps after 2^32 milliseconds, each time
+        {"4294967.290,1,\n0.006,1,\n4000000.000,1,\n0.001,1,\ntime,a,\n",
+         "a 0:1 1:1 2:1 3:1 !0; 4294967290 4294967302 8294967296 8589934593"},
+        // the longest row
+        {"1.000," + std::string(4088, '0') + ",\r\n", "channel 1 0:0 !0; 1000" + c_crash},
         {"1.000,340282346638528859811704183484516925440.000,\ntime,a,\n", "a 0:3.40282e+38 !0; 1000"},
     };
     for (Case const & test : c_cases)
@@ -118,6 +121,8 @@ TEST(StatsLog, RefusesWhatNoSinkWrites) {
         {"1.000,1" + std::string(40, '0') + ",\n", "line 1: has a field that is no number"},
         {row + "time,a,\n" + row, "line 3: stands behind the row of names"},
         {row + std::string(10'000'000, '1'), "line 2: is longer than a row of a stat graph's log"},
+        {"1.000," + std::string(4090, '0') + ",\n" + row,
+         "line 1: is longer than a row of a stat graph's log"},
     };
     for (Case const & test : c_cases) {
         std::string const reason = ReasonOf([&] { read(test.text); });
@@ -160,15 +165,15 @@ TEST(StatsPlot, KeepsSpikesOfAMillionRows) {
 
 TEST(StatsPlot, BreaksTheLineAtGapsAndShowsEveryName) {
     StatsLog log =
-        read("0.000,1.000,\n0.500,,\n1.000,3.000,nan,\n2.000,4.000,,\ntime,a<b & \x01\"\xFF,none,\n" +
+        read("5.000,1.000,\n5.500,,\n6.000,3.000,nan,\n7.000,4.000,,\ntime,a<b & \x01\"\xFF\uFFFF,none,\n" +
              std::string());
-    std::string const svg = PlotStats(log, "<title>");
+    std::string const svg = PlotStats(log, "<title>" + std::string(54, 't'));
     EXPECT_NE(svg.find("d=\"M90.00,174.00m-2,0h4M630.00,114.00L1170.00,84.00\""), std::string::npos) << svg;
     EXPECT_NE(svg.find("<text x=\"84.00\" y=\"88.00\" text-anchor=\"end\" fill=\"#444\">4</text>"),
               std::string::npos)
         << "the label stands where the line has this value";
-    EXPECT_NE(svg.find(">a&lt;b &amp; \uFFFD\"\uFFFD</text>"), std::string::npos);
-    EXPECT_NE(svg.find(">&lt;title&gt;</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">a&lt;b &amp; \uFFFD\"\uFFFD\uFFFD</text>"), std::string::npos);
+    EXPECT_NE(svg.find(">&lt;title&gt;" + std::string(53, 't') + "\u2026</text>"), std::string::npos);
     EXPECT_NE(svg.find("minimum 1 \u00A0 average 2.667 \u00A0 95% 4 \u00A0 99% 4 \u00A0 maximum 4"),
               std::string::npos);
     EXPECT_NE(svg.find("no samples \u00A0 not finite 1"), std::string::npos);

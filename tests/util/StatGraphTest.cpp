@@ -234,6 +234,8 @@ TEST_F(StatGraphTest, AScaleThatIsSetHoldsUntilASampleExceedsIt) {
     Submit(handle, 1.0f, 300);
     EXPECT_EQ(channel.max, 250.0f) << "parked, not due";
     EXPECT_EQ(channel.countdown, 0xFFFFFFFFu - 299);
+    StatGraph::ChannelSetMax("set", -1.0f);
+    EXPECT_EQ(channel.max, -1.0f);
 }
 
 // Places in the row of colours, counted from 1; where it stands now is left from other tests.
@@ -245,7 +247,7 @@ TEST_F(StatGraphTest, EveryEnableTakesTheNextOf100Colours) {
     Handle const handle = StatGraph::ChannelCreate("colour");
     std::vector<std::uint32_t> colours;
     for (int i = 0; i < 300; ++i) {
-        StatGraph::ChannelEnable(handle, i % 3 == 0);
+        StatGraph::ChannelEnable(handle, i % 4 < 2);
         colours.push_back(Record("colour").colour.ToWord());
     }
     std::vector<std::size_t> starts;
