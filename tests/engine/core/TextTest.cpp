@@ -4,14 +4,7 @@
 
 #include <gtest/gtest.h>
 
-TEST(Text, LowersTheLettersOfAsciiOnly) {
-    char text[] = "@AZ[`az{ \xC3\x84\xDE 0";
-    text::ToLower(text);
-    EXPECT_STREQ(text, "@az[`az{ \xC3\x84\xDE 0");
-    text::ToLower(nullptr);
-}
-
-TEST(Text, ComparesWithoutCase) {
+TEST(Text, ComparesWithoutTheCaseOfAsciiLetters) {
     struct Case {
         char const * left;
         char const * right;
@@ -19,8 +12,7 @@ TEST(Text, ComparesWithoutCase) {
     };
 
     constexpr Case c_cases[] = {
-        {"", "", 0},
-        {"Sword", "sWORD", 0},
+        {"Sword@AZ[`az{", "sWORD@az[`AZ{", 0},
         // a start of the other comes first
         {"sword", "swords", -1},
         {"a", "", 1},
@@ -34,8 +26,6 @@ TEST(Text, ComparesWithoutCase) {
     for (Case const & each : c_cases) {
         int const order = text::CompareNoCase(each.left, each.right);
         EXPECT_EQ((order > 0) - (order < 0), each.sign) << each.left << " and " << each.right;
-        EXPECT_EQ(text::EqualNoCase(each.left, each.right), each.sign == 0)
-            << each.left << " and " << each.right;
     }
 }
 
@@ -43,18 +33,18 @@ TEST(Text, CopiesWhatFits) {
     struct Case {
         char const * source;
         std::size_t size;
-        char const * result; // null: nothing is written
+        char const * result;
         bool whole;
     };
 
     constexpr Case c_cases[] = {
-        {"abc", 4, "abc", true}, {"abc", 3, "ab", false}, {"abc", 1, "", false},
-        {"", 1, "", true},       {nullptr, 4, "", true},  {"abc", 0, nullptr, false},
+        {"abc", 4, "abc", true}, {"abc", 3, "ab", false},      {"abc", 1, "", false},
+        {nullptr, 4, "", true},  {"abc", 0, "#######", false},
     };
     for (Case const & each : c_cases) {
         char buffer[8] = "#######";
         EXPECT_EQ(text::CopyCut(buffer, each.size, each.source), each.whole);
-        EXPECT_STREQ(buffer, each.result ? each.result : "#######");
+        EXPECT_STREQ(buffer, each.result);
     }
 
     char overlapping[] = "path/name";
@@ -62,19 +52,19 @@ TEST(Text, CopiesWhatFits) {
     EXPECT_STREQ(overlapping, "th/name");
 }
 
-TEST(Text, PrintsTextsOfAnyLength) {
-    for (std::size_t length : {0u, 1u, 1022u, 1023u, 1024u, 1025u, 100000u}) {
-        std::string const inner(length, 'x');
-        std::string out = "before";
-        EXPECT_TRUE(text::Printf(out, "<%s>", inner.c_str()));
-        EXPECT_EQ(out, "<" + inner + ">") << length;
-        text::Printf(out, "%s%s", out.c_str(), out.c_str()); // an argument may be the old text
-        EXPECT_EQ(out, "<" + inner + "><" + inner + ">") << length;
-    }
-}
-
 // The C locale has no euro sign, so the C library refuses a format with one.
-TEST(Text, PrintsIntoBuffers) {
+TEST(Text, PrintsTextsOfAnyLengthAndIntoBuffers) {
+    std::string out;
+    for (std::size_t length : {1022u, 1023u, 1024u, 100000u}) {
+        std::string const inner(length, 'x');
+        EXPECT_TRUE(text::Printf(out, "%s", inner.c_str()));
+        EXPECT_EQ(out, inner);
+        text::Printf(out, "%s%s", out.c_str(), out.c_str()); // an argument may be the old text
+        EXPECT_EQ(out, inner + inner);
+    }
+    EXPECT_FALSE(text::Printf(out, "price %ls", L"\u20AC"));
+    EXPECT_EQ(out, "");
+
     char buffer[6] = "#####";
     EXPECT_EQ(text::PrintfCut(buffer, 0, "%d", 12345), 5u);
     EXPECT_STREQ(buffer, "#####");
@@ -82,9 +72,6 @@ TEST(Text, PrintsIntoBuffers) {
     EXPECT_STREQ(buffer, "12345");
     EXPECT_EQ(text::PrintfCut(buffer, sizeof(buffer), "price %ls", L"\u20AC"), 0u);
     EXPECT_STREQ(buffer, "");
-    std::string out = "before";
-    EXPECT_FALSE(text::Printf(out, "price %ls", L"\u20AC"));
-    EXPECT_EQ(out, "");
 }
 
 TEST(Text, NumbersHaveAPointUnderAnyLocale) {
@@ -92,8 +79,5 @@ TEST(Text, NumbersHaveAPointUnderAnyLocale) {
     std::string out;
     text::Printf(out, "%.2f", 1234.5);
     EXPECT_EQ(out, "1234.50");
-    char buffer[16];
-    text::PrintfCut(buffer, sizeof(buffer), "%g", 0.5);
-    EXPECT_STREQ(buffer, "0.5");
     EXPECT_TRUE(comma.IsCurrent()) << "the caller's locale must be back";
 }
