@@ -7,6 +7,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -58,43 +59,42 @@ void append(std::string const & path, char const * text, std::ios::openmode mode
     std::ofstream(path, mode) << text;
 }
 
-void renameOver(std::string const & file) {
-    append(file + ".tmp", "new");
-    stdfs::rename(file + ".tmp", file);
-}
-
-void deleteAndCreate(std::string const & file) {
-    stdfs::remove(file);
-    append(file, "new");
-}
-
-void swapWithBackup(std::string const & file) {
-    stdfs::rename(file, file + "~");
-    append(file, "new");
-    stdfs::remove(file + "~");
-}
-
-void linkOver(std::string const & file) {
-    append(file + ".tmp", "new");
-    stdfs::remove(file);
-    stdfs::create_hard_link(file + ".tmp", file);
-    stdfs::remove(file + ".tmp");
-}
-
-void writeInPlace(std::string const & file) { append(file, "new", std::ios::trunc); }
-
 TEST_F(FileWatchTest, EveryWayOfEditorsToSaveGivesOneCall) {
-    constexpr std::pair<char const *, void (*)(std::string const &)> c_ways[] = {
-        {"in place", writeInPlace},
-        {"rename over", renameOver},
-        {"delete and create", deleteAndCreate},
-        {"swap with backup", swapWithBackup},
-        {"link over", linkOver}};
-    for (auto const & [way, save] : c_ways) {
+    std::pair<char const *, std::function<void()>> const ways[] = {
+        {"in place", [&] { append(tank, "new", std::ios::trunc); }},
+        {"rename over",
+         [&] {
+             append(tank + ".tmp", "new");
+             stdfs::rename(tank + ".tmp", tank);
+         }},
+        {"delete and create",
+         [&] {
+             stdfs::remove(tank);
+             append(tank, "new");
+         }},
+        {"swap with backup",
+         [&] {
+             stdfs::rename(tank, tank + "~");
+             append(tank, "new");
+             stdfs::remove(tank + "~");
+         }},
+        {"link over",
+         [&] {
+             append(tank + ".tmp", "new");
+             stdfs::remove(tank);
+             stdfs::create_hard_link(tank + ".tmp", tank);
+             stdfs::remove(tank + ".tmp");
+         }},
+    };
+    Recorder one; // of a single file
+    FilePath::AttachFileChangeNotification("DATA:art/tank.tga", &one);
+    for (auto const & [way, save] : ways) {
         SCOPED_TRACE(way);
-        save(tank);
-        save(tank);
+        save();
+        save();
+        one.paths.clear();
         EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
+        EXPECT_EQ(one.paths, Paths{"DATA:art/tank.tga"});
         EXPECT_EQ(recorder.Pump(), Paths{});
     }
 }
@@ -170,37 +170,27 @@ TEST_F(FileWatchTest, PathsMayAppearAfterTheAttach) {
     FilePath::RemoveAlias("LATE");
 }
 
-TEST_F(FileWatchTest, AttachesToSingleFilesAndRealPaths) {
-    recorder.leaves = true;
-    Recorder one;
-    Recorder raw;
-    FilePath::AttachFileChangeNotification("DATA:art/tank.tga", &one);
-    FilePath::AttachFileChangeNotification("DATA:art/later.tga", &one);
-    FilePath::AttachFileChangeNotification((folder / "root/art/").c_str(), &raw);
-    append(folder / "root/art/other.tga", "x");
-    append(folder / "root/art/later.tga", "x");
-    renameOver(tank);
-    FilePath::PumpFileChanges();
-    EXPECT_EQ(one.paths, (Paths{"DATA:art/tank.tga", "DATA:art/later.tga"}));
-    EXPECT_EQ(raw.paths, (Paths{folder / "root/art/later.tga", folder / "root/art/other.tga", tank}));
-    EXPECT_EQ(recorder.paths.size(), 1u); // it detached itself inside its first call
-
-    deleteAndCreate(tank);
-    EXPECT_EQ(one.Pump(), Paths{"DATA:art/tank.tga"});
-}
-
 TEST_F(FileWatchTest, OneCallPerPathAndListener) {
+    Recorder raw;
+    FilePath::AttachFileChangeNotification((folder / "root/art/").c_str(), &raw);
+    FilePath::AttachFileChangeNotification("DATA:art/later.tga", &raw);
     FilePath::AttachFileChangeNotification("DATA:", &recorder);
     FilePath::AttachFileChangeNotification("DATA:art", &recorder);
     append(tank, "x");
-    EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
-    EXPECT_EQ(recorder.calls, 1u);
+    append(folder / "root/art/later.tga", "x");
+    EXPECT_EQ(recorder.Pump(), (Paths{"DATA:art/later.tga", "DATA:art/tank.tga"}));
+    EXPECT_EQ(recorder.calls, 5u);
+    EXPECT_EQ(raw.paths, (Paths{folder / "root/art/later.tga", tank, "DATA:art/later.tga"}));
+
     FilePath::DetachFileChangeNotification(&recorder, "DATA:other");
     FilePath::DetachFileChangeNotification(&recorder, "data:\\");
     append(tank, "x");
     append(folder / "root/top.txt", "x");
     EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/tank.tga"});
-    FilePath::DetachFileChangeNotification(&recorder, nullptr);
+    recorder.leaves = true; // inside the first of two calls
+    append(tank, "x");
+    append(folder / "root/art/later.tga", "x");
+    EXPECT_EQ(recorder.Pump(), Paths{"DATA:art/later.tga"});
     append(tank, "x");
     EXPECT_EQ(recorder.Pump(), Paths{});
 }
