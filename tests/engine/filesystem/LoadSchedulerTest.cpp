@@ -19,7 +19,7 @@ void noteEndAndBeginNext(LoadScheduler::Batch * batch, void * context) {
     LoadScheduler::BeginSharedBatch("next", &noteEnd, context);
 }
 
-TEST(LoadScheduler, TakesFilesBetweenBeginAndSchedule) {
+TEST(LoadScheduler, EachBatchEndsOnceWithTheFilesThatItTook) {
     TemporaryFolder folder;
     folder.WriteFile("file", "content");
     Ended ended;
@@ -32,26 +32,19 @@ TEST(LoadScheduler, TakesFilesBetweenBeginAndSchedule) {
     LoadScheduler::AddFile("late");
     EXPECT_EQ(ended, Ended{});
     LoadScheduler::EndSharedBatch();
-    EXPECT_EQ(ended, Ended{"batch2"});
-}
 
-TEST(LoadScheduler, EachBatchEndsOnce) {
-    Ended ended;
     LoadScheduler::BeginSharedBatch("aborted", &noteEnd, &ended);
     LoadScheduler::AbortSharedBatch();
     LoadScheduler::AddFile("late");
-    LoadScheduler::EndSharedBatch();
-    LoadScheduler::ScheduleSharedBatch();
-    EXPECT_EQ(ended, Ended{"aborted0"});
-
     // a begin ends the batch that is open, also from inside another one's end
-    LoadScheduler::BeginSharedBatch("first", &noteEnd, &ended);
     LoadScheduler::BeginSharedBatch(nullptr, &noteEndAndBeginNext, &ended);
     LoadScheduler::EndSharedBatch();
     LoadScheduler::EndSharedBatch();
+    LoadScheduler::EndSharedBatch();
+    LoadScheduler::ScheduleSharedBatch();
     LoadScheduler::BeginSharedBatch("no callback", nullptr, nullptr);
     LoadScheduler::EndSharedBatch();
-    EXPECT_EQ(ended, (Ended{"aborted0", "first0", "0", "next0"}));
+    EXPECT_EQ(ended, (Ended{"batch2", "aborted0", "0", "next0"}));
 }
 
 } // namespace
