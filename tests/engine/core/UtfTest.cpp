@@ -17,8 +17,7 @@ constexpr Case c_cases[] = {
     {"\xE0\xA0\x80\xEF\xBF\xBF", u"\x800\xFFFF", true},
     {"\xED\x9F\xBF\xEE\x80\x80", u"\xD7FF\xE000", true},
     {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", u"\xD800\xDC00\xDBFF\xDFFF", true},
-    // each bad sequence is replaced and the text behind it stays: the example in the Unicode standard,
-    // chapter 3
+    // each bad sequence is replaced, the text behind it stays: the example in the Unicode standard, chapter 3
     {"a\xF1\x80\x80\xE1\x80\xC2"
      "b\x80"
      "c\x80\xBF"
