@@ -3,13 +3,8 @@
 #include <gtest/gtest.h>
 
 TEST(File, MakesNamesLegal) {
-    struct Case {
-        std::string text;
-        std::string name;
-    };
-
     std::string const most(198, 'a');
-    Case const cases[] = {
+    std::pair<std::string, std::string> const cases[] = {
         {"a<b>c:d\"e/f\\g|h?i*j", "a_b_c_d_e_f_g_h_i_j"},
         {"a\tb\nc\x01\x1F\x7F", "a_b_c___"},
         // trailing points and blanks, and only those at the end
@@ -28,7 +23,7 @@ TEST(File, MakesNamesLegal) {
         // the cut bares a point
         {most + ". b", most},
     };
-    for (Case const & each : cases)
-        EXPECT_EQ(Plat::File::ConvertToFilename(each.text.c_str()), each.name) << each.text;
+    for (auto const & [text, name] : cases)
+        EXPECT_EQ(Plat::File::ConvertToFilename(text.c_str()), name) << text;
     EXPECT_EQ(Plat::File::ConvertToFilename(nullptr), "_");
 }
