@@ -74,15 +74,6 @@ TEST_F(FileStreamTest, DiscardKeepsWhatStoodThere) {
     EXPECT_EQ(content(), "old");
     EXPECT_EQ(folder.CountEntries(), 1u);
 
-    {
-        std::unique_ptr<ByteStream> stream = open(folder / "fresh", c_streamWrite);
-        put(*stream, "flushed");
-        stream->Flush();
-        put(*stream, "unfinished");
-        stream->Discard();
-    }
-    EXPECT_EQ(folder.ReadFile("fresh"), "flushed");
-
     // nor is what somebody else put there meanwhile touched
     std::unique_ptr<ByteStream> stream = open(folder / "new", c_streamWrite);
     stream->Discard();
@@ -90,6 +81,14 @@ TEST_F(FileStreamTest, DiscardKeepsWhatStoodThere) {
     folder.WriteFile("new", "of somebody else");
     stream.reset();
     EXPECT_EQ(folder.ReadFile("new"), "of somebody else");
+
+    stream = open(file, c_streamWrite);
+    put(*stream, "flushed");
+    stream->Flush();
+    put(*stream, "unfinished");
+    stream->Discard();
+    stream.reset();
+    EXPECT_EQ(content(), "flushed");
 }
 
 // Saves 200,000 bytes in pieces of both kinds, the ones that the buffer gathers and those that pass it.
@@ -151,14 +150,7 @@ TEST_F(FileStreamTest, AFlushedFileGoesOnWhenTheDiskHasRoomAgain) {
 TEST_F(FileStreamTest, AFolderWithoutWriteRightIsWrittenInPlace) {
     stdfs::create_hard_link(file, folder / "same"); // the file itself, whatever takes its name
     ::chmod(folder.Path().c_str(), 0555);
-    std::unique_ptr<ByteStream> stream = open(file, c_streamWrite);
-    ASSERT_TRUE(stream);
-    put(*stream, std::string(100'000, 'x'));
-    EXPECT_EQ(content(), "old");
-    stream->Discard();
-    stream.reset();
-    EXPECT_EQ(content(), "old");
-
+    std::unique_ptr<ByteStream> stream;
     // no room for the new content shows before the old one is touched
     auto const oldHandler = std::signal(SIGXFSZ, SIG_IGN);
     rlimit old;
@@ -202,12 +194,9 @@ TEST_F(FileStreamTest, PositionsEndBelow4GiB) {
     unsigned int const last = 0xFFFFFFFF;
     stdfs::resize_file(file, last);
     std::unique_ptr<ByteStream> stream = open(file, c_streamRead);
-    ASSERT_TRUE(stream);
-    EXPECT_EQ(stream->GetLen(), last);
     stream->SetPos(last - 2);
     char bytes[8];
     EXPECT_EQ(stream->Read(bytes, 8), 2u);
-    EXPECT_EQ(stream->Read(bytes, 8), 0u);
     stdfs::resize_file(file, 0x100000000);
     EXPECT_FALSE(open(file, c_streamRead));
     EXPECT_FALSE(open(file, c_streamWrite));
@@ -236,7 +225,10 @@ TEST_F(FileStreamTest, BufferingDoesNotShow) {
         if (choice < 5)
             stream->SetPos(position =
                                choice < 2 ? below(400'000) : position - std::min(position, below(2'000)));
-        EXPECT_TRUE(choice != 9 || stream->Flush());
+        if (choice == 9) {
+            EXPECT_TRUE(stream->Flush());
+            ASSERT_TRUE(content() == model);
+        }
         std::string const piece(below(choice == 0 ? 150'000 : 300), static_cast<char>('a' + i % 26));
         EXPECT_TRUE(put(*stream, piece));
         if (model.size() < position + piece.size() && !piece.empty())
