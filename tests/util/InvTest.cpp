@@ -139,64 +139,50 @@ Inv::Resource * add(char const * name, TestKind const & kind, bool hidden = fals
     return resource;
 }
 
-// Runs the program with one option, or with none.
-void setOption(char const * option) {
-    char const * const arguments[] = {"game", option};
-    Plat::Options::SetCommandLine(option ? 2 : 1, arguments);
-}
-
 std::string nameOf(Handle<Asset> const & handle) { return Front::GetName(handle.GetResource()); }
 
 } // namespace
 
 TEST(InvUtilTest, NamesBecomeCanonical) {
     char const * const cases[][3] = {
-        // as it stands, without and with its extension
-        {"DATA:Art/Units/Tank.dat", "art\\units\\tank", "art\\units\\tank.dat"},
-        // only what stands behind the last ':' counts
-        {"a:b:c.d", "c", "c.d"},
+        // as it stands, without and with its extension; only what stands behind the last ':' counts
+        {"a:DATA:Art/Units/Tank.dat", "art\\units\\tank", "art\\units\\tank.dat"},
         {"DATA:", "", ""},
         // the last '.' of the whole text ends it, also one in a directory
         {"dir.old/file", "dir", "dir.old\\file"},
-        {".", "", "."},
         // only the letters A to Z have a case
         {"\xC3\x84RGER//", "\xC3\x84rger\\\\", "\xC3\x84rger\\\\"},
     };
     for (auto const & [name, stripped, whole] : cases) {
         char out[260];
         InvUtil::TranslateResourceName(out, name, true);
-        EXPECT_STREQ(out, stripped) << name;
+        EXPECT_STREQ(out, stripped);
         InvUtil::TranslateResourceName(out, name, false);
-        EXPECT_STREQ(out, whole) << name;
+        EXPECT_STREQ(out, whole);
     }
 }
 
 TEST_F(InvTest, DataHasAHandleFromTheFirstMoment) {
     Inv::Resource * const born = Front::GetResource(*new Asset("alone"));
-    EXPECT_EQ(Inv::Resource::Retain(born), born);
+    Inv::Resource::Retain(born);
     EXPECT_EQ(Front::GetReferences(born), 2);
     Inv::Resource::Release(born); // only its own data holds it: both go
     EXPECT_EQ(Asset::s_alive, 0);
-    EXPECT_EQ(Inv::Resource::Retain(nullptr), nullptr);
-    Inv::Resource::Release(nullptr);
+    Inv::Resource::Release(Inv::Resource::Retain(nullptr));
 
-    {
-        Asset asset("named"); // and hears of its names, in which case counts
-        for (char const * name : {"one", "one", "ONE", static_cast<char const *>(nullptr)})
-            asset.SetName(name);
-        EXPECT_EQ(asset.names, (Log{"one", "ONE", "(null)"}));
-    }
-
-    // data moves from its blank handle, which goes, to another, and what was there is cut loose
+    // data hears of its names, in which case counts; it moves from its blank handle, which goes, to another,
+    // and what was there is cut loose
     auto * const resource = new Inv::Resource;
     Asset * const first = new Asset("first");
+    for (char const * name : {"one", "one", "ONE", static_cast<char const *>(nullptr)})
+        first->SetName(name);
+    EXPECT_EQ(first->names, (Log{"one", "ONE", "(null)"}));
     resource->SetData(first);
     resource->SetData(first);
     EXPECT_EQ(liveBlocks("InvResources"), 1u);
     resource->SetData(new Asset("second"));
     EXPECT_EQ(Front::GetResource(*first), nullptr);
     EXPECT_EQ(first->GetName(), nullptr);
-    EXPECT_EQ(Front::GetReferences(resource), 2);
     delete first;
     Inv::Resource::Destroy(Inv::Resource::Retain(resource)); // forced: the data goes, the handle stays
     EXPECT_EQ(resource->GetData(), nullptr);
@@ -208,7 +194,6 @@ TEST_F(InvTest, DataHasAHandleFromTheFirstMoment) {
     Inv::Resource * const blank = Front::GetResource(*new Asset("third"));
     std::unique_ptr<Inv::NamedResource> const third(blank->GetData());
     blank->SetData(new Asset("fourth"));
-    EXPECT_EQ(Front::GetReferences(blank), 1);
     delete blank->GetData();
 }
 
@@ -222,63 +207,47 @@ TEST_F(InvTest, TheLastOfManyThreadsDestroys) {
         for (int copies = 0; copies < 1000; ++copies)
             Handle<Asset> const copy(mine);
     });
-    EXPECT_EQ(TakeLog().back(), "destroy shared");
+    EXPECT_EQ(log.back(), "destroy shared");
 }
 
 TEST_F(InvTest, AnAssetLoadsOnceUnderWhateverSpelling) {
     Handle<Asset> const first = kind.Get("DATA:Art/Tank.dat");
-    EXPECT_EQ(first->content, "DATA:Art/Tank.dat") << "a load at once gets the caller's spelling";
     EXPECT_EQ(nameOf(first), "art\\tank");
     EXPECT_EQ(kind.Get("art\\TANK").GetResource(), first.GetResource());
     EXPECT_EQ(kind.Find("x:art/tank.png").GetResource(), first.GetResource());
     EXPECT_FALSE(kind.Find("art/tan"));
     EXPECT_FALSE(other.Find("art/tank")) << "a kind is its pointer";
-    EXPECT_EQ(TakeLog(), (Log{"load DATA:Art/Tank.dat", "post art\\tank"}));
+    EXPECT_EQ(TakeLog(), (Log{"load DATA:Art/Tank.dat", "post art\\tank"})) << "the caller's spelling";
     EXPECT_EQ(Front::GetReferences(first.GetResource()), 3);
 
-    // a kind that keeps its names, translated or not, is searched with case ignored all the same
+    // a kind that keeps its names is searched with case ignored all the same
     other.keepsNames = true;
-    for (char const * name : {"A:Tank.dat", "A:Gun.dat"}) {
-        Handle<Asset> const kept = other.Get(name);
-        EXPECT_EQ(nameOf(kept), name);
-        EXPECT_EQ(other.Find(name[2] == 'T' ? "a:TANK.DAT" : "a:GUN.DAT").GetResource(), kept.GetResource());
-        other.translates = false;
-    }
+    Handle<Asset> const kept = other.Get("A:Tank.dat");
+    EXPECT_EQ(nameOf(kept), "A:Tank.dat");
+    EXPECT_EQ(other.Find("a:TANK.DAT").GetResource(), kept.GetResource());
 }
 
 TEST_F(InvTest, NamesAreCutTo255BehindTheAlias) {
     other.keepsNames = true; // copies all it gets into 260 bytes
-    for (std::size_t length : {0u, 255u, 256u, 1000u}) {
+    std::string const stored(255, 'n');
+    for (std::size_t length : {255u, 256u, 1000u}) {
         std::string const name(length, 'n');
-        std::string const stored = name.substr(0, 255);
         EXPECT_EQ(nameOf(kind.Get(("DATA:" + name).c_str())), stored);
-        EXPECT_EQ(nameOf(kind.Find(name.c_str())), stored);
-        EXPECT_EQ(nameOf(other.Get((name + ":" + name).c_str())), length > 0 ? stored : ":");
+        EXPECT_EQ(nameOf(other.Get((name + ":" + name).c_str())), stored);
         EXPECT_EQ(nameOf(other.Get(("DAT:" + name).c_str())), "DAT:" + stored);
     }
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 2u);
-    EXPECT_FALSE(kind.Find(std::string(254, 'n').c_str()));
-    Inv::DumpInfo const dump = Front::Dump();
-    for (Inv::DumpInfo::ResourceRecord const & record : dump.bins[1].resources)
-        EXPECT_LE(std::strlen(record.name), 255u);
+    EXPECT_EQ(Front::GetResourcesCount(&kind), 1u);
 }
 
 TEST_F(InvTest, ManyNamesStayFoundWhileOthersGo) {
-    constexpr unsigned int c_count = 3000;
-    std::vector<Handle<Asset>> handles(c_count);
-    for (unsigned int i = 0; i < c_count; ++i) {
+    std::vector<Handle<Asset>> handles(3000);
+    for (unsigned int i = 0; i < handles.size(); ++i) {
         Handle<Asset> const each = kind.Get(std::to_string(i).c_str());
         if (i % 3 == 0)
             handles[i] = each;
     }
     Front::Flush();
-    std::uint32_t last = 0;
-    for (unsigned int i = 0; i < Front::GetResourcesCount(&kind); ++i) {
-        std::uint32_t const key = NameHashLower(Front::GetName(Front::GetResourceAt(i, &kind)));
-        EXPECT_LE(last, key) << "resources stand in the order of their keys";
-        last = key;
-    }
-    for (unsigned int i = 0; i < c_count; ++i)
+    for (unsigned int i = 0; i < handles.size(); ++i)
         EXPECT_EQ(kind.Find(std::to_string(i).c_str()).GetResource(), handles[i].GetResource()) << i;
 }
 
@@ -286,46 +255,37 @@ TEST_F(InvTest, RequiredMeansNowAndTheRealAsset) {
     // without a default: false, and never tried again
     kind.missing = {"gone", "Absent"};
     EXPECT_FALSE(kind.Require("gone"));
-    EXPECT_TRUE(kind.Get("gone"));
     EXPECT_EQ(kind.Get("gone").Get(), nullptr);
-    EXPECT_EQ(TakeLog(), (Log{"load gone", "default gone"}));
-
     // with a default: only those who do not require the asset get it
     kind.hasDefault = true;
     EXPECT_FALSE(kind.Require("Absent"));
-    EXPECT_EQ(TakeLog(), (Log{"load Absent", "default absent", "post absent"}));
     Handle<Asset> const absent = kind.Get("absent");
     EXPECT_EQ(absent->content, "default");
+    EXPECT_EQ(TakeLog(), (Log{"load gone", "default gone", "load Absent", "default absent", "post absent"}));
     kind.onReload = &replace;
     Front::Reload(absent.GetResource(), &kind);
     EXPECT_EQ(absent->content, "reloaded");
     EXPECT_FALSE(kind.Require("absent")) << "once a default, always one";
-
-    // a null name is the empty one
-    EXPECT_EQ(kind.Get(nullptr)->content, "");
-    EXPECT_TRUE(kind.Find(""));
+    EXPECT_EQ(kind.Get(nullptr)->content, "") << "a null name is the empty one";
 }
 
 TEST_F(InvTest, BatchingCanBeTurnedOff) {
     kind.canDefer = true;
-    auto const defers = [this](bool batching) {
-        Inv::Setup(batching);
-        bool const isDeferred = Front::IsDeferred(kind.Get("a").GetResource());
+    EXPECT_TRUE(Front::IsDeferred(kind.Get("a").GetResource()));
+    char const * const arguments[] = {"game", "-invbatchingoff"};
+    for (bool const byOption : {true, false}) {
         Inv::Shutdown();
-        return isDeferred;
-    };
-    EXPECT_TRUE(defers(false)) << "a second set-up does nothing";
-    EXPECT_FALSE(defers(false));
-    setOption("-invbatchingoff");
-    EXPECT_FALSE(defers(true));
-    setOption(nullptr);
+        Plat::Options::SetCommandLine(byOption ? 2 : 0, arguments);
+        Inv::Setup(byOption);
+        Inv::Setup(true); // a second set-up does nothing
+        EXPECT_FALSE(Front::IsDeferred(kind.Get("a").GetResource())) << byOption;
+    }
 }
 
 TEST_F(InvTest, TwinsWarnAndTheFirstIsFound) {
     WarningCapture warnings(c_inventoryWarnings);
     Inv::Resource * const first = add("Same", kind);
     Inv::Resource * const second = add("SAME.dat", kind);
-    EXPECT_EQ(kind.Find("same").GetResource(), first);
     EXPECT_EQ(Front::GetResourceAt(0, &kind), first) << "equal keys stay in the order in which they came";
     EXPECT_EQ(Front::GetResourceAt(1, &kind), second);
     EXPECT_EQ(Front::GetResourceAt(2, &kind), nullptr);
@@ -342,8 +302,8 @@ TEST_F(InvTest, TwinsWarnAndTheFirstIsFound) {
     EXPECT_EQ(kind.Find("wyumcchu").GetResource(), two);
 
     // hidden ones warn not, are found by no name, and collide without being duplicated
-    Inv::Resource * const hidden = add("Secret", kind, true);
-    EXPECT_STREQ(Front::GetName(hidden), "Secret") << "a chosen name stays as it is";
+    add("same", kind, true);
+    EXPECT_STREQ(Front::GetName(add("Secret", kind, true)), "Secret") << "a chosen name stays as it is";
     EXPECT_EQ(std::strlen(Front::GetName(add(nullptr, kind, true))), 38u);
     EXPECT_FALSE(kind.Find("secret"));
     add("secret", kind);
@@ -368,15 +328,14 @@ TEST_F(InvTest, ThePumpCountsItsStages) {
         EXPECT_EQ(Front::LoadResources(1), left);
     EXPECT_EQ(TakeLog(), (Log{"prepare a", "prepare b", "load a", "load b", "post a", "post b"}));
 
-    Handle<Asset> const c = kind.Get("c");
+    kind.Get("c");
     kind.Get("d");
     EXPECT_EQ(Front::LoadResources(0), 2u) << "an idle pump collects whatever the budget";
     EXPECT_EQ(Front::LoadResources(0), 2u) << "and then makes no progress";
-    EXPECT_EQ(c->content, "c");
     EXPECT_TRUE(kind.Require("D.dat"));
     for (unsigned int left : {2u, 0u, 0u})
         EXPECT_EQ(Front::LoadResources(100000), left);
-    EXPECT_EQ(TakeLog(), (Log{"prepare c", "prepare d", "load c", "post c", "load d", "post d"}))
+    EXPECT_EQ(TakeLog(), (Log{"prepare c", "prepare d", "load d", "post d", "load c", "post c"}))
         << "what is loaded on demand, under its stored name, is done with";
 }
 
@@ -423,13 +382,11 @@ TEST_F(InvTest, AnAbortedBatchStartsAfresh) {
     EXPECT_EQ(TakeLog(), (Log{"prepare b", "prepare c", "load b", "prepare c", "load c"}))
         << "what is loaded stays so, and no PostLoad comes any more";
 
-    // an idle pump leaves the scheduler alone, an abort ends whatever batch is open
+    // an abort ends whatever batch is open
     int ended = 0;
     LoadScheduler::BeginSharedBatch(
         "test", +[](LoadScheduler::Batch *, void * count) { ++*static_cast<int *>(count); }, &ended);
-    EXPECT_EQ(Front::LoadResources(1), 0u);
-    EXPECT_EQ(ended, 0);
-    EXPECT_EQ(Front::LoadResources(1, true), 0u);
+    Front::LoadResources(1, true);
     EXPECT_EQ(ended, 1);
 }
 
@@ -437,8 +394,7 @@ TEST_F(InvTest, KindsMayUseTheInventoryAndThrow) {
     std::function<void()> const waysToLoad[] = {
         [&] { kind.Find("x").Get(); },       [&] { kind.Require("x"); },
         [&] { kind.Require("y"); },          [] { Front::LoadAllResources(); },
-        [&] { Front::Preload("x", &kind); }, [&] { Front::Preload(&kind); },
-    };
+        [&] { Front::Preload("x", &kind); }, [&] { Front::Preload(&kind); }};
     std::pair<std::function<void()>, int> const deeds[] = {
         // what a load does and how much data there is afterwards
         {[] { Front::Flush(); }, 1},
@@ -477,24 +433,20 @@ TEST_F(InvTest, KindsMayUseTheInventoryAndThrow) {
 TEST_F(InvTest, PreloadTouchesNoFlag) {
     kind.canDefer = true;
     Front::Preload("unknown", &kind);
-    Front::Preload(&other);
     Handle<Asset> const a = kind.Get("a");
     Front::Preload(&kind);
-    EXPECT_EQ(TakeLog(), Log{"load a"});
     EXPECT_TRUE(Front::IsDeferred(a.GetResource()));
     // the load is still owed; what is there is cut loose and not freed
-    Inv::NamedResource * const preloaded = kind.lastLoaded;
-    Inv::NamedResource * const loaded = a.Get();
-    EXPECT_EQ(TakeLog(), (Log{"load a", "post a"}));
+    std::unique_ptr<Inv::NamedResource> const preloaded(kind.lastLoaded);
+    std::unique_ptr<Inv::NamedResource> const loaded(a.Get());
     kind.missing = {"A"};
     kind.hasDefault = true;
     Front::Preload("A", &kind);
-    EXPECT_EQ(TakeLog(), (Log{"load A", "default A"})) << "the caller's spelling";
+    EXPECT_EQ(TakeLog(), (Log{"load a", "load a", "post a", "load A", "default A"}))
+        << "the caller's spelling";
     EXPECT_EQ(a->content, "default");
     EXPECT_FALSE(Front::IsDefault(a.GetResource()));
     EXPECT_EQ(loaded->GetName(), nullptr);
-    delete preloaded;
-    delete loaded;
 
     // the name of a hidden resource reaches its visible twin, and may go meanwhile
     WarningCapture const warnings(c_inventoryWarnings);
@@ -505,23 +457,31 @@ TEST_F(InvTest, PreloadTouchesNoFlag) {
     Handle<Asset> const b = other.Get("b");
     Front::Preload(&other);
     EXPECT_EQ(TakeLog(), (Log{"load b", "default b", "load b", "default b"}));
-    EXPECT_EQ(Front::GetResourcesCount(&other), 1u);
 }
 
-TEST_F(InvTest, FlushFreesWhatNobodyHolds) {
+TEST_F(InvTest, WhatNobodyHoldsGoesAndHandlesOutliveAll) {
     Handle<Asset> held = kind.Get("held");
     Inv::Resource * const resource = held.GetResource();
     kind.Get("free");
     Front::Flush(&kind);
     Front::Flush(resource, &kind);
-    held = {};
-    Front::Flush(resource, &other); // not the bin it is in
     EXPECT_EQ(Front::GetResourcesCount(&kind), 1u);
-    Front::Flush(resource, &kind);
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 0u);
-    TakeLog();
     kind.Get("free");
-    EXPECT_EQ(TakeLog(), (Log{"load free", "post free"})) << "a flushed name loads again";
+    TakeLog();
+    Front::Remove(&kind);
+    EXPECT_EQ(TakeLog(), Log{"destroy free"});
+    Inv::Resource * const second = kind.Get("held").GetResource();
+    EXPECT_NE(second, resource);
+    Front::Remove(resource, &kind); // no longer stored
+    resource->SetName("free again");
+    EXPECT_EQ(held->names.back(), "free again");
+    TakeLog();
+    held = {};
+    EXPECT_EQ(TakeLog(), Log{"destroy held"}) << "through its kind";
+    Front::Flush(second, &other); // not the bin it is in
+    EXPECT_EQ(Front::GetResourcesCount(&kind), 1u);
+    Front::Flush(second, &kind);
+    EXPECT_EQ(Front::GetResourcesCount(&kind), 0u);
 
     // a chain through both kinds, each held by the one before only
     for (int i = 0; i < 6; ++i) {
@@ -531,29 +491,10 @@ TEST_F(InvTest, FlushFreesWhatNobodyHolds) {
     held = {};
     Front::Flush();
     EXPECT_EQ(Asset::s_alive, 0);
-}
 
-TEST_F(InvTest, HandlesOutliveRemovalAndShutdown) {
-    Handle<Asset> held = kind.Get("held");
-    kind.Get("free");
-    Front::Remove(held.GetResource(), &other); // not there
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 2u);
-    TakeLog();
-    Front::Remove(&kind);
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 0u);
-    EXPECT_EQ(TakeLog(), Log{"destroy free"});
-    EXPECT_EQ(held->content, "held");
-    EXPECT_NE(kind.Get("held").GetResource(), held.GetResource());
-    Front::Remove(held.GetResource(), &kind); // no longer stored
-    held.GetResource()->SetName("free again");
-    EXPECT_EQ(held->names.back(), "free again");
-    TakeLog();
-    held = kind.Get("held");
-    EXPECT_EQ(TakeLog(), Log{"destroy held"}) << "through its kind";
-
+    held = kind.Get("last");
     Inv::Shutdown();
     EXPECT_EQ(held.Get(), nullptr);
-    EXPECT_EQ(nameOf(held), "held");
     held.GetResource()->SetName("thawed");
     EXPECT_EQ(nameOf(held), "thawed");
 }
@@ -561,10 +502,6 @@ TEST_F(InvTest, HandlesOutliveRemovalAndShutdown) {
 TEST_F(InvTest, ReloadPutsNewDataBehindTheSameHandle) {
     Handle<Asset> const held = kind.Get("held");
     kind.Get("free");
-    kind.canDefer = true;
-    Handle<Asset> const deferred = kind.Get("deferred");
-    TakeLog();
-
     Front::Reload(held.GetResource(), &kind); // gives nothing: the data stays where it is
     kind.onReload = [](Inv::NamedResource * data) { return data; };
     Front::Reload(held.GetResource(), &kind);
@@ -577,14 +514,13 @@ TEST_F(InvTest, ReloadPutsNewDataBehindTheSameHandle) {
     Front::Reload(&kind);
     EXPECT_EQ(held->content, "reloaded");
     EXPECT_EQ(Front::GetReferences(held.GetResource()), 3);
-    EXPECT_EQ(Front::GetResourcesCount(&kind), 2u) << "what nobody holds goes right after its reload";
     EXPECT_EQ(std::set<std::string>(log.begin(), log.end()),
-              (std::set<std::string>{"reload held", "reload free", "destroy reloaded"}));
+              (std::set<std::string>{"reload held", "reload free", "destroy reloaded"}))
+        << "what nobody holds goes right after its reload";
 
     TakeLog();
-    Front::Reload(deferred.GetResource(), &kind); // no data yet
-    Front::Reload(nullptr, &kind);
-    Front::Reload(held.GetResource(), nullptr);
+    kind.canDefer = true;
+    Front::Reload(kind.Get("deferred").GetResource(), &kind); // no data yet
     kind.canReload = false;
     Front::Reload(held.GetResource(), &kind);
     Front::Reload(&kind);
@@ -596,49 +532,40 @@ TEST_F(InvTest, AChangedFileReloadsOneResourcePerKind) {
     AliasedFolder const folder("DATA");
     folder.WriteFile("art/tank.dat", "old");
     Inv::Setup(true);
-    TestKind untranslated{log}, fixed{log};
-    untranslated.keepsNames = true;
-    untranslated.translates = fixed.canReload = false;
     Handle<Asset> const held = kind.Get("DATA:art/tank.dat");
-    for (TestKind const * each : {&other, &fixed})
-        each->Get("art/tank");
-    untranslated.Get("DATA:art/tank.dat");
+    other.keepsNames = true; // and translates none
+    other.translates = false;
+    other.Get("DATA:art/tank.dat");
     TakeLog();
     kind.onReload = &replace;
     folder.WriteFile("art/tank.dat", "new");
     folder.WriteFile("art/unknown.dat", "new");
     EXPECT_EQ(FilePath::PumpFileChanges(), 2u);
-    EXPECT_EQ(TakeLog(), (Log{"reload art\\tank", "reload art\\tank", "destroy art/tank"}))
-        << "the second gives no new data, and nobody holds it";
+    EXPECT_EQ(TakeLog(), Log{"reload art\\tank"});
     EXPECT_EQ(held->content, "reloaded");
-    Inv::Shutdown(); // before the local kinds go
 }
 
 TEST_F(InvTest, DumpsTellCountsAndStates) {
     AliasedFolder const folder("log");
     kind.hasDefault = true;
-    kind.missing = {"gone", "h"};
+    kind.missing = {"gone"};
     Handle<Asset> const gone = kind.Get("gone");
-    Handle<Asset> const hidden = kind.Get("h");
-    Front::Remove(hidden.GetResource(), &kind);
-    Front::AddHiddenResource(hidden.GetResource(), &kind);
+    add("h", other, true);
     kind.canDefer = true;
     kind.Get("later");
+    bool const isGoneFirst = NameHashLower("gone") < NameHashLower("later"); // the order of the keys
 
     Front::DumpToLogfile("inventory"); // without the option nothing is written
     EXPECT_EQ(folder.CountEntries(), 0u);
-    setOption("-invtrackloading");
+    char const * const arguments[] = {"game", "-invtrackloading"};
+    Plat::Options::SetCommandLine(2, arguments);
     Front::DumpToLogfile("inventory");
-    setOption(nullptr);
+    Plat::Options::SetCommandLine(0, nullptr);
     ASSERT_EQ(folder.CountEntries(), 1u);
     std::string const file = std::filesystem::directory_iterator(folder.Path())->path().filename();
-    std::string lines;
-    for (unsigned int i = 0; i < 3; ++i) { // in the order of the keys, which is none of the names
-        std::string const name = Front::GetName(Front::GetResourceAt(i, &kind));
-        lines += name == "gone" ? "       3 references (LD ) to gone\n"
-                 : name == "h"  ? "       3 references (LDH) to h\n"
-                                : "       1 references (   ) to later\n";
-    }
-    EXPECT_EQ(folder.ReadFile(file),
-              "Test -- 3 items left\n" + lines + "\n\n 3 resources in the inventory\n");
+    std::string const lines[] = {"       3 references (LD ) to gone\n",
+                                 "       1 references (   ) to later\n"};
+    EXPECT_EQ(folder.ReadFile(file), "Test -- 2 items left\n" + lines[!isGoneFirst] + lines[isGoneFirst] +
+                                         "Another -- 1 items left\n       1 references (L H) to h\n"
+                                         "\n\n 3 resources in the inventory\n");
 }
