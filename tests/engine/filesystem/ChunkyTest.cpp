@@ -169,7 +169,7 @@ TEST(ChunkyReader, PopSkipsWhatWasNotReadAndAFolderCanBeReadAgain) {
         EXPECT_EQ(chunky.ReadFolderChunk(c_menu, 9).GetVersion(), 1u);
         chunky.PopChunk(); // its chunk was never entered
         ASSERT_TRUE(chunky.PeekChunk(info));
-        EXPECT_EQ(info.headerOffset, 77u);
+        EXPECT_TRUE(info.headerOffset == 77 && info.id == c_menu);
         chunky.SetStreamPos(24);
     }
     chunky.ReadFolderChunk(c_menu, 1);
