@@ -142,11 +142,12 @@ TEST_F(CheatMenuDrawTest, AFrameIsSetUpAndClearedBeforeItIsDrawn) {
     out.str("");
     Menu().Enable(true);
     EXPECT_EQ(out.str(), "");
-    std::string const cleared = "{\"call\":\"Clear\",\"frame\":\"cheatmenu\"}\n";
     Menu().Enable(false);
     Menu().Toggle();
     Menu().Toggle();
-    EXPECT_EQ(out.str(), cleared + cleared);
+    Menu().Toggle();
+    Press("l");
+    EXPECT_EQ(out.str(), std::string(c_cleared) + c_cleared + c_cleared);
     EXPECT_EQ(Frame(), "");
 }
 
@@ -209,6 +210,8 @@ TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
     };
     for (Case const & test : cases) {
         Renew();
+        LoadLines("");
+        Frame(); // each load is measured
         LoadLines(test.lines);
         std::string const begin =
             R"({"call":"Draw","shape":"Tri2D","frame":"cheatmenu","corners":[[-0.9,0.9],[)";
@@ -234,9 +237,10 @@ TEST_F(CheatMenuDrawTest, ChildrenOpenBesideTheirLine) {
 
 TEST_F(CheatMenuDrawTest, TheMenuGlidesSoThatTheSelectionStaysInSight) {
     std::string lines;
-    for (int i = 1; i <= 20; ++i)
-        lines += "{ name = 'L" + std::to_string(i) + "', type = Command, command = '' },";
-    LoadLines(lines);
+    for (int i = 1; i <= 19; ++i)
+        lines += "{ name = 'L" + std::to_string(i) + "', type = 7 },";
+    LoadLines(lines + "{ name = 'L20', type = SubMenu, SubMenuItems = { { name = 'A', type = Separator },"
+                      "{ name = 'B', type = Separator }, { name = 'C', type = SubMenu } } }");
     Press("p");
     EXPECT_EQ(Place("L1"), "0.056177348,0.06830323");
     EXPECT_EQ(Place("L1", 0.1f), "0.056177348,0.013845265") << "half way";
@@ -245,6 +249,8 @@ TEST_F(CheatMenuDrawTest, TheMenuGlidesSoThatTheSelectionStaysInSight) {
     Menu().UpdateAndDraw(1.0f);
     Menu().Enable(true);
     EXPECT_EQ(Place("L20"), "0.056177348,0.65490973") << "a closed menu stays where it was";
+    Press("rpr");
+    EXPECT_EQ(Place("Empty!", 1.0f), "0.26590624,0.6525001") << "the lines above count in every menu";
 
     // To the left only where a child begins too far right.
     for (auto const & [length, place] :
