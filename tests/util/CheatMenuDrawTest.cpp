@@ -303,6 +303,9 @@ TEST_F(CheatMenuDrawTest, WithoutAProxyTheRestWorks) {
     EXPECT_EQ(Value("calls"), "1");
     Press("a");
     EXPECT_EQ(Value("on"), "false");
+    DebugRender::Register(&proxy);
+    EXPECT_TRUE(Drawn().starts_with(rect("-0.9", "0.9", "-0.7", "0.9", "0xB7807840")));
+    DebugRender::Unregister(&proxy);
     Press("lb");
     EXPECT_FALSE(Menu().IsEnabled());
 }

@@ -405,8 +405,11 @@ TEST_F(CheatMenuTest, AMenuFileMayLoadAnotherOrShutTheMenuDown) {
     Load("menu_load('" + File() + "')");
     EXPECT_EQ(Texts(), "Empty! ") << "a file that loads itself ends where Lua has enough";
     LoadLines(command("a"));
-    folder.WriteFile("menu.lua", "menu_shutdown()");
+    folder.WriteFile("menu.lua", "menu_shutdown() error(1)");
+    trace.lines.clear();
     Menu().Reload();
     Frame();
     EXPECT_EQ(CheatMenu::Instance(), nullptr);
+    ASSERT_EQ(trace.lines.size(), 3u);
+    EXPECT_EQ(trace.lines[1], "CheatMenu - Can't find file '" + File() + "'");
 }
