@@ -39,12 +39,7 @@ TEST_F(CheatMenuTest, ComesAndGoesOnce) {
 }
 
 TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
-    struct Case {
-        std::string lines;
-        char const * texts;
-    };
-
-    Case const cases[] = {
+    std::pair<std::string, char const *> const cases[] = {
         {"", "Empty! "},
         // number keys come first, then names in byte order
         {"b = " + command("b") + "B = " + command("B") + "[3] = " + command("3") + "[0] = " + command("0"),
@@ -66,9 +61,9 @@ TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
         // what is not good of a submenu is lost, and nothing else
         {"{ name = 'a', type = SubMenu, SubMenuItems = 7 }," + command("b"), "a b "},
     };
-    for (Case const & test : cases) {
-        LoadLines(test.lines);
-        EXPECT_EQ(Texts(), test.texts) << test.lines;
+    for (auto const & [lines, texts] : cases) {
+        LoadLines(lines);
+        EXPECT_EQ(Texts(), texts) << lines;
     }
     State().PushTable("aside");
     LoadLines(command("a"));
@@ -150,12 +145,7 @@ TEST_F(CheatMenuTest, VariablesAreShownAndChanged) {
               variable("plain", "var_type = Float, get = 'speed', set = 'speed = %f'") +
               variable("other", "var_type = 2, get = 'error()', set = 'odd = 1'"));
 
-    struct Case {
-        char const * keys;
-        char const * values;
-    };
-
-    Case const cases[] = {
+    std::pair<char const *, char const *> const cases[] = {
         {"a", "false 9.5"},        {"rl", "false 9.5"}, {"l", "true 9.5"},
         {"na", "true 9.5"},                             // an action does nothing to a float
         {"r", "true 9.75"},        {"rrr", "true 10"},  // at its limit
@@ -164,9 +154,9 @@ TEST_F(CheatMenuTest, VariablesAreShownAndChanged) {
         {"nlllllllllp", "true 1"}, {"l", "true 2"},     {"nnral", "true 2"}, // kinds that nobody knows
         {"nblra", "true 2"},                                                 // a closed menu
     };
-    for (Case const & test : cases) {
-        Press(test.keys);
-        EXPECT_EQ(Value("tostring(on) .. ' ' .. speed"), test.values) << test.keys;
+    for (auto const & [keys, values] : cases) {
+        Press(keys);
+        EXPECT_EQ(Value("tostring(on) .. ' ' .. speed"), values) << keys;
     }
     Menu().Enable(true);
     EXPECT_EQ(Texts(), "on speed 2.000 plain 2.000 other ");
@@ -235,7 +225,6 @@ TEST_F(CheatMenuTest, ASetFunctionTakesOneArgumentOfItsKind) {
         {"s('%1$f')", nullptr},
         {"s('%Lf')", nullptr},
         {"s('%llf')", nullptr},
-        {"s('%hf')", nullptr},
         {"s('%f%f')", nullptr},
         {"s('%f') -- %", nullptr},
         {"s('%1000.0f')", nullptr},
