@@ -61,7 +61,9 @@ private:
 
 bool runFile(LuaConfig & config, char const * file) {
     EarlierLines earlier(config.GetState());
-    if (earlier.IsTaken() && LuaConfigSave::LoadLua(config, file))
+    if (!earlier.IsTaken())
+        return false;
+    if (LuaConfigSave::LoadLua(config, file))
         return true;
     earlier.PutBack();
     return false;

@@ -142,11 +142,12 @@ TEST_F(CheatMenuDrawTest, AFrameIsSetUpAndClearedBeforeItIsDrawn) {
     out.str("");
     Menu().Enable(true);
     EXPECT_EQ(out.str(), "");
-    std::string const cleared = "{\"call\":\"Clear\",\"frame\":\"cheatmenu\"}\n";
     Menu().Enable(false);
     Menu().Toggle();
     Menu().Toggle();
-    EXPECT_EQ(out.str(), cleared + cleared);
+    Menu().Toggle();
+    Press("l");
+    EXPECT_EQ(out.str(), std::string(c_cleared) + c_cleared + c_cleared);
     EXPECT_EQ(Frame(), "");
 }
 
@@ -159,20 +160,15 @@ TEST_F(CheatMenuDrawTest, ParentsStayInTheirHighlightAndAnEmptyMenuSaysSo) {
 }
 
 TEST_F(CheatMenuDrawTest, TheSelectedLinePulses) {
-    struct Case {
-        float dt;
-        char const * back;
-    };
-
-    Case const cases[] = {
+    std::pair<float, char const *> const cases[] = {
         {0.15f, "0xFFA0A030"}, // the crest: all highlight
         {0.15f, "0xB7777749"}, // half of it, and a rounding below
         {0.15f, "0x70505060"}, // the trough: all its own
         {6.1f, "0x93646454"},  // periods are taken off at once
     };
     LoadLines("{ name = 'x', type = Command, command = '' }");
-    for (Case const & test : cases)
-        EXPECT_EQ(Back(test.dt), test.back) << test.dt;
+    for (auto const & [dt, back] : cases)
+        EXPECT_EQ(Back(dt), back) << dt;
     // What is no time does no harm.
     std::string const back = Back(0.0f);
     for (float const dt :
@@ -182,11 +178,6 @@ TEST_F(CheatMenuDrawTest, TheSelectedLinePulses) {
 }
 
 TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
-    struct Case {
-        std::string lines;
-        char const * right;
-    };
-
     std::string const a20(20, 'a'), b20(20, 'b');
     auto const separator = [](std::string const & name) {
         return "{ name = '" + name + "', type = Separator },";
@@ -194,11 +185,10 @@ TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
     auto const variable = [](std::string const & name, char const * rest) {
         return "{ name = '" + name + "', type = Variable, get = '0' " + rest + "},";
     };
-    Case const cases[] = {
+    std::pair<std::string, char const *> const cases[] = {
         {"", "-0.7"},
         {separator("a"), "-0.7"},
         // the first line counts with the height of an empty menu
-        {separator(a20), "-0.5175"},
         {separator(a20) + separator("b"), "-0.5175"},
         {separator("a") + separator(b20), "-0.5142871"},
         {variable(b20, ""), "-0.47812498"},
@@ -207,12 +197,14 @@ TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
         {separator("a") + variable(b20, ", var_type = Float"), "-0.2731048"},
         {separator("a") + variable(b20, ", var_type = 2"), "-0.5142871"},
     };
-    for (Case const & test : cases) {
+    for (auto const & [lines, right] : cases) {
         Renew();
-        LoadLines(test.lines);
+        LoadLines("");
+        Frame(); // each load is measured
+        LoadLines(lines);
         std::string const begin =
             R"({"call":"Draw","shape":"Tri2D","frame":"cheatmenu","corners":[[-0.9,0.9],[)";
-        EXPECT_TRUE(Drawn().starts_with(begin + test.right + ",")) << test.lines << Drawn().substr(0, 100);
+        EXPECT_TRUE(Drawn().starts_with(begin + right + ",")) << lines << Drawn().substr(0, 100);
     }
     LoadLines(separator("a"));
     EXPECT_NE(Drawn().find("[-0.5142871,"), std::string::npos) << "widths never shrink";
@@ -234,9 +226,10 @@ TEST_F(CheatMenuDrawTest, ChildrenOpenBesideTheirLine) {
 
 TEST_F(CheatMenuDrawTest, TheMenuGlidesSoThatTheSelectionStaysInSight) {
     std::string lines;
-    for (int i = 1; i <= 20; ++i)
-        lines += "{ name = 'L" + std::to_string(i) + "', type = Command, command = '' },";
-    LoadLines(lines);
+    for (int i = 1; i <= 19; ++i)
+        lines += "{ name = 'L" + std::to_string(i) + "', type = 7 },";
+    LoadLines(lines + "{ name = 'L20', type = SubMenu, SubMenuItems = { { name = 'A', type = Separator },"
+                      "{ name = 'B', type = Separator }, { name = 'C', type = SubMenu } } }");
     Press("p");
     EXPECT_EQ(Place("L1"), "0.056177348,0.06830323");
     EXPECT_EQ(Place("L1", 0.1f), "0.056177348,0.013845265") << "half way";
@@ -245,6 +238,8 @@ TEST_F(CheatMenuDrawTest, TheMenuGlidesSoThatTheSelectionStaysInSight) {
     Menu().UpdateAndDraw(1.0f);
     Menu().Enable(true);
     EXPECT_EQ(Place("L20"), "0.056177348,0.65490973") << "a closed menu stays where it was";
+    Press("rpr");
+    EXPECT_EQ(Place("Empty!", 1.0f), "0.26590624,0.6525001") << "the lines above count in every menu";
 
     // To the left only where a child begins too far right.
     for (auto const & [length, place] :
@@ -297,6 +292,9 @@ TEST_F(CheatMenuDrawTest, WithoutAProxyTheRestWorks) {
     EXPECT_EQ(Value("calls"), "1");
     Press("a");
     EXPECT_EQ(Value("on"), "false");
+    DebugRender::Register(&proxy);
+    EXPECT_TRUE(Drawn().starts_with(rect("-0.9", "0.9", "-0.7", "0.9", "0xB7807840")));
+    DebugRender::Unregister(&proxy);
     Press("lb");
     EXPECT_FALSE(Menu().IsEnabled());
 }

@@ -11,7 +11,11 @@
 #include <lua.hpp>
 #include <sstream>
 
-// A menu, a fresh global script state whose scripts can reach the menu, a proxy, and the trace.
+// What the menu writes when it closes.
+inline constexpr char const * c_cleared = "{\"call\":\"Clear\",\"frame\":\"cheatmenu\"}\n";
+
+// A menu, a fresh global script state whose scripts can reach the menu, a proxy, and the trace. The cursor of
+// the state is in a table of its own, as a game's may be.
 class CheatMenuTest : public testing::Test {
 protected:
     CheatMenuTest() {
@@ -19,15 +23,18 @@ protected:
         CheatMenu::RegisterLua(State());
         lua_State * const L = State().GetState();
         lua_register(L, "menu_load", loadFromScript);
-        lua_register(L, "menu_reload", reloadFromScript);
-        lua_register(L, "menu_enable", enableFromScript);
+        lua_register(L, "menu_reload", callFromScript<&CheatMenu::Reload>);
+        lua_register(L, "menu_toggle", callFromScript<&CheatMenu::Toggle>);
+        lua_register(L, "menu_back", callFromScript<&CheatMenu::PreviousMenu>);
         lua_register(L, "menu_shutdown", shutdownFromScript);
-        lua_register(L, "menu_left", leftFromScript);
+        State().PushTable("elsewhere");
+        height = lua_gettop(L);
         DebugRender::Register(&proxy);
         CheatMenu::Initialize();
     }
 
     ~CheatMenuTest() override {
+        EXPECT_EQ(lua_gettop(State().GetState()), height);
         CheatMenu::Shutdown();
         DebugRender::Unregister(&proxy);
         GlobalLua::Shutdown();
@@ -96,7 +103,9 @@ protected:
     static std::string Value(std::string const & expression) {
         Run("value = tostring(" + expression + ")");
         std::string value;
+        State().PushTableGlobals();
         State().GetString("value", value);
+        State().PopTable();
         return value;
     }
 
@@ -111,13 +120,9 @@ private:
         return 0;
     }
 
-    static int reloadFromScript(lua_State *) {
-        Menu().Reload();
-        return 0;
-    }
-
-    static int enableFromScript(lua_State * L) {
-        Menu().Enable(lua_toboolean(L, 1) != 0);
+    template <void (CheatMenu::*call)()>
+    static int callFromScript(lua_State *) {
+        (Menu().*call)();
         return 0;
     }
 
@@ -126,8 +131,5 @@ private:
         return 0;
     }
 
-    static int leftFromScript(lua_State *) {
-        Menu().PreviousMenu();
-        return 0;
-    }
+    int height = 0; // of the state's stack
 };

@@ -1,9 +1,6 @@
 // How menus load, what their lines do, and that scripts may do what they like.
 
-#include "Cross/Util/lua/LuaLibNames.h"
 #include "tests/util/CheatMenuSupport.h"
-
-#include <cstring>
 
 namespace {
 
@@ -37,21 +34,12 @@ TEST_F(CheatMenuTest, ComesAndGoesOnce) {
     EXPECT_EQ(CheatMenu::Instance(), nullptr);
     EXPECT_FALSE(CheatMenu::Shutdown());
 
-    CheatMenu::MenuNode::Item const & item = CheatMenu::s_emptyItem;
-    EXPECT_EQ(item.name + item.command, "Empty!NotInitialized");
-    EXPECT_TRUE(item.type == 1 && item.varType == 0 && !item.subMenu);
-    EXPECT_TRUE(item.min == 0.0f && item.max == 100.0f && item.stepSize == 1.0f);
-    EXPECT_STREQ(LUALIB_CHEATMENU, "cheatmenu");
+    EXPECT_EQ(CheatMenu::s_emptyItem.command, "NotInitialized");
     EXPECT_EQ(Value("SubMenu .. Command .. Variable .. Separator .. Boolean .. Float"), "012301");
 }
 
 TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
-    struct Case {
-        std::string lines;
-        char const * texts;
-    };
-
-    Case const cases[] = {
+    std::pair<std::string, char const *> const cases[] = {
         {"", "Empty! "},
         // number keys come first, then names in byte order
         {"b = " + command("b") + "B = " + command("B") + "[3] = " + command("3") + "[0] = " + command("0"),
@@ -73,16 +61,15 @@ TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
         // what is not good of a submenu is lost, and nothing else
         {"{ name = 'a', type = SubMenu, SubMenuItems = 7 }," + command("b"), "a b "},
     };
-    for (Case const & test : cases) {
-        LoadLines(test.lines);
-        EXPECT_EQ(Texts(), test.texts) << test.lines;
+    for (auto const & [lines, texts] : cases) {
+        LoadLines(lines);
+        EXPECT_EQ(Texts(), texts) << lines;
     }
     State().PushTable("aside");
     LoadLines(command("a"));
     EXPECT_EQ(Texts(), "a ") << "wherever the cursor is";
     State().PopTable();
     EXPECT_EQ(trace.lines, Lines());
-    EXPECT_EQ(lua_gettop(State().GetState()), 1);
 }
 
 TEST_F(CheatMenuTest, AFileThatSetsNoLinesHasNone) {
@@ -158,27 +145,26 @@ TEST_F(CheatMenuTest, VariablesAreShownAndChanged) {
               variable("plain", "var_type = Float, get = 'speed', set = 'speed = %f'") +
               variable("other", "var_type = 2, get = 'error()', set = 'odd = 1'"));
 
-    struct Case {
-        char const * keys;
-        char const * values;
-    };
-
-    Case const cases[] = {
+    std::pair<char const *, char const *> const cases[] = {
         {"a", "false 9.5"},        {"rl", "false 9.5"}, {"l", "true 9.5"},
         {"na", "true 9.5"},                             // an action does nothing to a float
         {"r", "true 9.75"},        {"rrr", "true 10"},  // at its limit
         {"ll", "true 9.5"},        {"nr", "true 10.5"}, // other limits, and steps of 1
         {"pr", "true 10"},                              // back within them by any step
         {"nlllllllllp", "true 1"}, {"l", "true 2"},     {"nnral", "true 2"}, // kinds that nobody knows
+        {"nblra", "true 2"},                                                 // a closed menu
     };
-    for (Case const & test : cases) {
-        Press(test.keys);
-        EXPECT_EQ(Value("tostring(on) .. ' ' .. speed"), test.values) << test.keys;
+    for (auto const & [keys, values] : cases) {
+        Press(keys);
+        EXPECT_EQ(Value("tostring(on) .. ' ' .. speed"), values) << keys;
     }
+    Menu().Enable(true);
     EXPECT_EQ(Texts(), "on speed 2.000 plain 2.000 other ");
+    Run("speed = 0/0");
+    Press("nr");
+    EXPECT_EQ(Value("speed"), "2") << "what is not above the least is the least";
     EXPECT_EQ(Value("odd .. tostring(g_cheat_value_that_nobody_will_ever_use)"), "nil");
     EXPECT_EQ(trace.lines, Lines());
-    EXPECT_EQ(lua_gettop(State().GetState()), 1);
 }
 
 TEST_F(CheatMenuTest, WhatFailsIsTraced) {
@@ -193,11 +179,9 @@ TEST_F(CheatMenuTest, WhatFailsIsTraced) {
         // values of another kind count as none
         {"'7'", "0.000", false},
         {"nil", "0.000", false},
-        {"{}", "0.000", false},
         {"", "0.000", true},
         {"(", "0.000", true},
         {"error({})", "0.000", true},
-        {"missing.field", "0.000", true},
     };
     for (Case const & test : cases) {
         trace.lines.clear();
@@ -214,7 +198,6 @@ TEST_F(CheatMenuTest, WhatFailsIsTraced) {
                                   "'g_cheat_value_that_nobody_will_ever_use=nobody()'",
                                   "CheatMenu: error running boolean set-function 'error(true)'",
                                   "CheatMenu: error running function 'error(1)'"}));
-    EXPECT_EQ(lua_gettop(State().GetState()), 1);
 }
 
 TEST_F(CheatMenuTest, ASetFunctionTakesOneArgumentOfItsKind) {
@@ -242,10 +225,9 @@ TEST_F(CheatMenuTest, ASetFunctionTakesOneArgumentOfItsKind) {
         {"s('%1$f')", nullptr},
         {"s('%Lf')", nullptr},
         {"s('%llf')", nullptr},
-        {"s('%hf')", nullptr},
         {"s('%f%f')", nullptr},
         {"s('%f') -- %", nullptr},
-        {"s('%1000f')", nullptr},
+        {"s('%1000.0f')", nullptr},
         {"s('%.1000f')", nullptr},
         {"s('%5%')", nullptr},
     };
@@ -274,12 +256,13 @@ TEST_F(CheatMenuTest, ASetFunctionTakesOneArgumentOfItsKind) {
 TEST_F(CheatMenuTest, ReloadsAtTheEndOfAFrame) {
     LoadLines(command("A") + command("B") + command("C"));
     Press("p");
-    folder.WriteFile("menu.lua", "SubMenuItems = {" + command("D") + command("E") + "}");
+    folder.WriteFile("menu.lua", "menu_reload() SubMenuItems = {" + command("D") + command("E") + "}");
     Run("log = ''");
     Menu().Reload();
     EXPECT_EQ(trace.lines, Lines());
     EXPECT_EQ(Texts(), "A B C ") << "the frame is drawn first";
-    EXPECT_EQ(trace.lines, Lines{"Cheatmenu: Reloaded"});
+    EXPECT_EQ(Texts(), "D E ");
+    EXPECT_EQ(trace.lines, Lines{"Cheatmenu: Reloaded"}) << "a file that asks for it while it runs has it";
     Press("a");
     EXPECT_EQ(Value("log"), "E") << "a selection behind the end is on the last line";
 
@@ -305,15 +288,6 @@ TEST_F(CheatMenuTest, ReloadsAtTheEndOfAFrame) {
     Frame();
     Press("a");
     EXPECT_EQ(Texts() + Value("log"), "F G EG");
-}
-
-TEST_F(CheatMenuTest, AReloadClosesSubmenus) {
-    LoadLines("{ name = 'M', type = SubMenu, SubMenuItems = {" + command("A") + "} }");
-    Press("r");
-    EXPECT_EQ(Texts(), "M A ");
-    Menu().Reload();
-    Frame();
-    EXPECT_EQ(Texts(), "M ");
 }
 
 TEST_F(CheatMenuTest, TablesThatMeetThemselvesStayEmpty) {
@@ -348,7 +322,6 @@ TEST_F(CheatMenuTest, LargeMenusLoadWhole) {
         std::string const texts = Texts();
         EXPECT_NE(texts.find(" 999 1000 "), std::string::npos) << depth;
         EXPECT_EQ(texts.ends_with(" 1000 Empty! "), depth == 1000);
-        EXPECT_EQ(lua_gettop(State().GetState()), 1);
     }
     Press(std::string(9000, 'r'));
     EXPECT_TRUE(Texts().ends_with(" Empty! "));
@@ -366,9 +339,9 @@ TEST_F(CheatMenuTest, ScriptsMayTakeTheMenuAway) {
     folder.WriteFile("other.lua",
                      "SubMenuItems = { { name = 'new', type = Separator }, { name = 'b', type = 7 } }");
     Case const cases[] = {
-        {"menu_load(other)", "b "},      {"menu_load('nowhere')", "Empty! "},
+        {"menu_load(other)", "b "},   {"menu_load('nowhere')", "Empty! "},
         {"menu_reload()", "M x "}, // at the end of the frame, which has closed the submenu
-        {"menu_enable(false)", nullptr}, {"menu_left() menu_left()", nullptr},
+        {"menu_toggle()", nullptr},   {"menu_back() menu_back()", nullptr},
         {"menu_shutdown()", nullptr},
     };
     Run("other = '" + other + "' function act() end function get() act() return 1 end");
@@ -380,8 +353,11 @@ TEST_F(CheatMenuTest, ScriptsMayTakeTheMenuAway) {
         Run("function act() act = function() end " + std::string(test.act) + " end");
     };
     auto const check = [this](Case const & test, std::string const & context) {
-        EXPECT_EQ(CheatMenu::Instance() && Menu().IsEnabled(), test.texts != nullptr) << context << test.act;
-        if (!test.texts)
+        bool const isOpen = CheatMenu::Instance() && Menu().IsEnabled();
+        EXPECT_EQ(isOpen, test.texts != nullptr) << context << test.act;
+        EXPECT_TRUE(isOpen || !CheatMenu::Instance() || out.str().ends_with(c_cleared))
+            << context << test.act;
+        if (!isOpen)
             return;
         Frame();
         EXPECT_EQ(Texts(), test.texts) << context << test.act;
@@ -417,11 +393,12 @@ TEST_F(CheatMenuTest, AMenuFileMayLoadAnotherOrShutTheMenuDown) {
     EXPECT_EQ(Texts(), "new ");
     Load("menu_load('" + File() + "')");
     EXPECT_EQ(Texts(), "Empty! ") << "a file that loads itself ends where Lua has enough";
-    Load("menu_enable(false) SubMenuItems = {" + command("a") + "}");
-    EXPECT_EQ(Texts(), "a ");
     LoadLines(command("a"));
-    folder.WriteFile("menu.lua", "menu_shutdown()");
+    folder.WriteFile("menu.lua", "menu_shutdown() error(1)");
+    trace.lines.clear();
     Menu().Reload();
     Frame();
     EXPECT_EQ(CheatMenu::Instance(), nullptr);
+    ASSERT_EQ(trace.lines.size(), 3u);
+    EXPECT_EQ(trace.lines[1], "CheatMenu - Can't find file '" + File() + "'");
 }
