@@ -199,16 +199,15 @@ void Pieces::paint(ImDrawList & list, Piece const & piece, float textSize) const
     }
 }
 
-// As a fan of triangles.
+// As a fan of triangles. They share no vertices: SDL's own drawing takes those that do for rectangles where
+// it can, which lose their texture where it has no width or no height.
 void Pieces::paintTextured(ImDrawList & list, Piece const & piece) const {
-    int const count = static_cast<int>(piece.count);
+    int const count = 3 * static_cast<int>(piece.count - 2);
     list.PushTextureID(piece.texture);
-    list.PrimReserve(3 * (count - 2), count);
-    for (unsigned int corner = 2; corner < piece.count; ++corner)
-        for (unsigned int const index : {0u, corner - 1, corner})
-            list.PrimWriteIdx(static_cast<ImDrawIdx>(list._VtxCurrentIdx + index));
-    for (std::size_t i = piece.first; i < piece.first + piece.count; ++i)
-        list.PrimWriteVtx(points[i], places[i], packed(piece.colour));
+    list.PrimReserve(count, count);
+    for (std::size_t corner = 2; corner < piece.count; ++corner)
+        for (std::size_t const i : {piece.first, piece.first + corner - 1, piece.first + corner})
+            list.PrimVtx(points[i], places[i], packed(piece.colour));
     list.PopTextureID();
 }
 
