@@ -13,6 +13,7 @@ namespace {
 constexpr float c_fontPixels = 13.0f;                // the font is drawn for this size
 constexpr int c_pictureScale = 3, c_windowScale = 2; // dots along each side of a pixel
 constexpr float c_linesPerStep = 540.0f;             // of the canvas, for each multiple of that size
+constexpr unsigned int c_fineSide = 1024;            // pixels of a texture that tell places on it well apart
 
 void check(bool done) {
     if (!done)
@@ -30,6 +31,19 @@ bool startVideo() {
     SDL_QuitSubSystem(SDL_INIT_VIDEO);
     SDL_SetError("There is no display");
     return false;
+}
+
+// The same picture, its pixels as large as fits: SDL's own drawing cuts the places of corners in a texture to
+// whole pixels.
+Texture refined(Texture const & texture) {
+    unsigned int const factor = c_fineSide / std::max(texture.width, texture.height);
+    Texture fine{texture.width * factor, texture.height * factor, {}};
+    fine.pixels.reserve(std::size_t{fine.width} * fine.height);
+    for (unsigned int row = 0; row < fine.height; ++row)
+        for (unsigned int column = 0; column < fine.width; ++column)
+            fine.pixels.push_back(
+                texture.pixels[std::size_t{row / factor} * texture.width + column / factor]);
+    return fine;
 }
 
 bool isPlain(ImDrawList const & list, ImDrawCmd const & command, unsigned int triangle) {
@@ -125,7 +139,29 @@ ImVec2 Canvas::SizeOf(std::string_view text) const {
                                                          text.data() + text.size());
 }
 
+ImTextureID Canvas::TextureFor(std::shared_ptr<Texture const> const & texture) {
+    auto const found = textures.find(texture);
+    return (found != textures.end() ? found : textures.emplace(texture, made(*texture)).first)->second.get();
+}
+
+Canvas::Owned<SDL_Texture> Canvas::made(Texture const & texture) const {
+    if (wholeDots && std::max(texture.width, texture.height) <= c_fineSide / 2)
+        return made(refined(texture));
+    auto const width = static_cast<int>(texture.width), height = static_cast<int>(texture.height);
+    Owned<SDL_Texture> result(
+        SDL_CreateTexture(renderer.get(), SDL_PIXELFORMAT_BGRA32, SDL_TEXTUREACCESS_STATIC, width, height));
+    if (result &&
+        SDL_UpdateTexture(result.get(), nullptr, texture.pixels.data(),
+                          width * static_cast<int>(sizeof(MathPrim::Colour))) == 0 &&
+        SDL_SetTextureBlendMode(result.get(), SDL_BLENDMODE_BLEND) == 0 &&
+        SDL_SetTextureScaleMode(result.get(), SDL_ScaleModeLinear) == 0)
+        return result;
+    check(false);
+    return nullptr;
+}
+
 void Canvas::Clear(MathPrim::Colour colour) {
+    std::erase_if(textures, [](auto const & entry) { return entry.first.expired(); });
     check(!window || fitWindow());
     check(SDL_SetRenderDrawColor(renderer.get(), colour.red, colour.green, colour.blue, 255));
     check(SDL_RenderClear(renderer.get()));
@@ -164,21 +200,34 @@ void Canvas::place(ImVector<ImDrawVert> const & vertices) {
         places.emplace_back(dots(vertex.pos.x), dots(vertex.pos.y));
 }
 
-// Plain areas go without the texture, which is faster and exact; the rest are letters.
-void Canvas::draw(ImDrawList const & list, ImDrawCmd const & command) const {
-    ImDrawVert const * const vertices = list.VtxBuffer.Data + command.VtxOffset;
-    int const vertexCount = list.VtxBuffer.Size - static_cast<int>(command.VtxOffset);
+// Plain areas go without the texture of the font, which is faster and exact; the rest are letters.
+void Canvas::draw(ImDrawList const & list, ImDrawCmd const & command) {
+    auto * const texture = static_cast<SDL_Texture *>(command.GetTexID());
+    auto const isPlainHere = [&](unsigned int triangle) {
+        return texture == fontTexture.get() && isPlain(list, command, triangle);
+    };
     unsigned int const triangles = command.ElemCount / 3;
     for (unsigned int first = 0, end = 0; first < triangles; first = end) {
-        bool const plain = isPlain(list, command, first);
-        for (end = first + 1; end < triangles && isPlain(list, command, end) == plain;)
+        bool const plain = isPlainHere(first);
+        for (end = first + 1; end < triangles && isPlainHere(end) == plain;)
             ++end;
-        check(SDL_RenderGeometryRaw(
-            renderer.get(), plain ? nullptr : fontTexture.get(), &places[command.VtxOffset].x, sizeof(ImVec2),
-            reinterpret_cast<SDL_Color const *>(&vertices->col), sizeof(ImDrawVert), &vertices->uv.x,
-            sizeof(ImDrawVert), vertexCount, list.IdxBuffer.Data + command.IdxOffset + first * 3,
-            static_cast<int>(end - first) * 3, sizeof(ImDrawIdx)));
+        draw(plain ? nullptr : texture, list.VtxBuffer.Data + command.VtxOffset, &places[command.VtxOffset],
+             {list.IdxBuffer.Data + command.IdxOffset + first * 3, (end - first) * std::size_t{3}});
     }
+}
+
+// SDL looks at every vertex that it is given with a texture, so that it gets only those that are used.
+void Canvas::draw(SDL_Texture * texture, ImDrawVert const * vertices, ImVec2 const * positions,
+                  std::span<ImDrawIdx const> used) {
+    auto const [least, greatest] = std::minmax_element(used.begin(), used.end());
+    ImDrawIdx const base = *least;
+    indices.clear();
+    for (ImDrawIdx const index : used)
+        indices.push_back(static_cast<ImDrawIdx>(index - base));
+    check(SDL_RenderGeometryRaw(renderer.get(), texture, &positions[base].x, sizeof(ImVec2),
+                                reinterpret_cast<SDL_Color const *>(&vertices[base].col), sizeof(ImDrawVert),
+                                &vertices[base].uv.x, sizeof(ImDrawVert), *greatest - base + 1,
+                                indices.data(), static_cast<int>(indices.size()), sizeof(ImDrawIdx)));
 }
 
 void Canvas::Present() {

@@ -8,8 +8,11 @@
 
 #include "Cross/engine/core/MathPrim.h"
 #include "samples/renderer/Picture.h"
+#include "samples/renderer/Texture.h"
 
+#include <map>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -30,8 +33,14 @@ public:
     // in whole steps with the canvas, so that letters stay sharp.
     ImVec2 Size() const { return size; }
 
+    float Aspect() const { return size.x / size.y; }
+
     float TextHeight() const;
     ImVec2 SizeOf(std::string_view text) const;
+
+    // What to draw a texture with, made at first use. It lasts until the Clear after the texture is gone.
+    // Null where the system refuses. REQUIRES: `texture` is not null.
+    ImTextureID TextureFor(std::shared_ptr<Texture const> const & texture);
 
     // Fills the canvas, after it took on the size of the window.
     void Clear(MathPrim::Colour colour);
@@ -71,8 +80,11 @@ private:
     bool setUp(int wantedScale);
     bool makeFont();
     bool fitWindow();
+    Owned<SDL_Texture> made(Texture const & texture) const;
     void draw(ImDrawList const & list);
-    void draw(ImDrawList const & list, ImDrawCmd const & command) const;
+    void draw(ImDrawList const & list, ImDrawCmd const & command);
+    void draw(SDL_Texture * texture, ImDrawVert const * vertices, ImVec2 const * positions,
+              std::span<ImDrawIdx const> used);
     void place(ImVector<ImDrawVert> const & vertices);
 
     // In the order of their making. A picture has a surface, a window has itself and a target.
@@ -81,10 +93,12 @@ private:
     Owned<SDL_Renderer> renderer;
     Owned<SDL_Texture> target;
     Owned<SDL_Texture> fontTexture;
+    std::map<std::weak_ptr<Texture const>, Owned<SDL_Texture>, std::owner_less<>> textures;
     Owned<ImGuiContext> context;
     ImVec2 size;
     int scale = 1;          // dots along each side of a pixel
     bool wholeDots = false; // SDL itself draws
 
-    std::vector<ImVec2> places; // of the vertices of a list, in dots
+    std::vector<ImVec2> places;     // of the vertices of a list, in dots
+    std::vector<ImDrawIdx> indices; // of the triangles that are being drawn
 };

@@ -11,7 +11,7 @@
 namespace {
 
 using Math::Vector3f;
-using Outline = std::vector<Vector3f>;
+using Outline = std::vector<Corner>;
 
 constexpr float c_reach = 1e9f;        // what is farther has no useful place on the screen
 constexpr float c_textReach = 1000.0f; // of the screen: a text beyond has no letter on it
@@ -32,28 +32,44 @@ bool inReach(Vector3f const & p) {
     return std::abs(p.x) < c_reach && std::abs(p.y) < c_reach && std::abs(p.z) < c_reach;
 }
 
+bool isInReach(Corner const & corner) {
+    return inReach(corner.position) && std::isfinite(corner.place.x) && std::isfinite(corner.place.y);
+}
+
+Corner between(Corner const & a, Corner const & b, float part) {
+    return {a.position + (b.position - a.position) * part,
+            {a.place.x + (b.place.x - a.place.x) * part, a.place.y + (b.place.y - a.place.y) * part}};
+}
+
 // Copies the part of an outline where `distance` is not negative. Two corners are a line.
 template <class Distance>
 void copyInside(Outline const & from, Outline & to, Distance distance) {
     to.clear();
     for (std::size_t i = 0; i < from.size(); ++i) {
-        Vector3f const & start = from[i];
-        float const startDistance = distance(start);
+        Corner const & start = from[i];
+        float const startDistance = distance(start.position);
         if (startDistance >= 0.0f)
             to.push_back(start);
         if (from.size() == 2 && i == 1)
             return;
-        Vector3f const & end = from[(i + 1) % from.size()];
-        float const endDistance = distance(end);
+        Corner const & end = from[(i + 1) % from.size()];
+        float const endDistance = distance(end.position);
         if ((startDistance >= 0.0f) != (endDistance >= 0.0f))
-            to.push_back(start + (end - start) * (startDistance / (startDistance - endDistance)));
+            to.push_back(between(start, end, startDistance / (startDistance - endDistance)));
     }
 }
 
 } // namespace
 
-void Pieces::AddArea(std::span<Vector3f const> corners, MathPrim::Colour colour, Side side) {
-    addOutline(corners, {side == Side::Back ? c_sliceRatio : 1.0f, Kind::Area, colour});
+void Pieces::AddArea(std::span<Vector3f const> corners, MathPrim::Colour colour) {
+    addOutline(corners, {1.0f, Kind::Area, colour});
+}
+
+void Pieces::AddSurface(std::span<Corner const> corners, ImTextureID texture, MathPrim::Colour colour,
+                        Side side) {
+    outline.assign(corners.begin(), corners.end());
+    addOutline(
+        {side == Side::Back ? c_sliceRatio : 1.0f, texture ? Kind::Textured : Kind::Area, colour, texture});
 }
 
 void Pieces::AddLine(Vector3f const & start, Vector3f const & end, MathPrim::Colour colour) {
@@ -77,8 +93,8 @@ void Pieces::AddText(Vector3f const & position, std::string const & text, Anchor
     float const off = std::max(std::abs(position.x), std::abs(position.y));
     if (!inReach(position) || position.z < Camera::c_near || off > c_textReach * position.z)
         return;
-    pieces.push_back({position.z * c_textBias, Kind::Text, colour, points.size(), 1, &text, anchor});
-    points.push_back(toPixels(position));
+    pieces.push_back({position.z * c_textBias, Kind::Text, colour, nullptr, points.size(), 1, &text, anchor});
+    addPoint({position, {}});
 }
 
 void Pieces::Paint(ImDrawList & list, float textSize) {
@@ -90,9 +106,15 @@ void Pieces::Paint(ImDrawList & list, float textSize) {
 }
 
 void Pieces::addOutline(std::span<Vector3f const> corners, Piece const & piece) {
-    if (!std::all_of(corners.begin(), corners.end(), inReach))
+    outline.clear();
+    for (Vector3f const & corner : corners)
+        outline.push_back({corner, {}});
+    addOutline(piece);
+}
+
+void Pieces::addOutline(Piece const & piece) {
+    if (!std::all_of(outline.begin(), outline.end(), isInReach))
         return;
-    outline.assign(corners.begin(), corners.end());
     cutToScreen();
     addSlices(piece);
 }
@@ -113,10 +135,11 @@ void Pieces::cutToScreen() {
 void Pieces::addSlices(Piece const & piece) {
     if (outline.empty())
         return;
-    auto const [nearest, farthest] = std::minmax_element(
-        outline.begin(), outline.end(), [](Vector3f const & a, Vector3f const & b) { return a.z < b.z; });
-    float const end = farthest->z;
-    for (float slice = std::floor(std::log(nearest->z) / std::log(c_sliceRatio)) + 1.0f;; ++slice) {
+    auto const [nearest, farthest] =
+        std::minmax_element(outline.begin(), outline.end(),
+                            [](Corner const & a, Corner const & b) { return a.position.z < b.position.z; });
+    float const end = farthest->position.z;
+    for (float slice = std::floor(std::log(nearest->position.z) / std::log(c_sliceRatio)) + 1.0f;; ++slice) {
         float const depth = std::pow(c_sliceRatio, slice);
         if (depth >= end)
             break;
@@ -128,18 +151,23 @@ void Pieces::addSlices(Piece const & piece) {
     addPiece(outline, piece);
 }
 
-void Pieces::addPiece(std::span<Vector3f const> corners, Piece piece) {
+void Pieces::addPiece(std::span<Corner const> corners, Piece piece) {
     if (corners.size() < (piece.kind == Kind::Line ? 2 : 3))
         return;
     float depth = 0.0f;
     piece.first = points.size();
     piece.count = corners.size();
-    for (Vector3f const & corner : corners) {
-        depth += corner.z / static_cast<float>(corners.size());
-        points.push_back(toPixels(corner));
+    for (Corner const & corner : corners) {
+        depth += corner.position.z / static_cast<float>(corners.size());
+        addPoint(corner);
     }
     piece.depth *= depth;
     pieces.push_back(piece);
+}
+
+void Pieces::addPoint(Corner const & corner) {
+    points.push_back(toPixels(corner.position));
+    places.emplace_back(corner.place.x, corner.place.y);
 }
 
 ImVec2 Pieces::toPixels(Vector3f const & position) const {
@@ -155,6 +183,9 @@ void Pieces::paint(ImDrawList & list, Piece const & piece, float textSize) const
         list.Flags &= ~ImDrawListFlags_AntiAliasedFill;
         list.AddConvexPolyFilled(corners, count, packed(piece.colour));
         break;
+    case Kind::Textured:
+        paintTextured(list, piece);
+        break;
     case Kind::Disc:
         list.Flags |= ImDrawListFlags_AntiAliasedFill;
         list.AddConvexPolyFilled(corners, count, packed(piece.colour));
@@ -166,6 +197,18 @@ void Pieces::paint(ImDrawList & list, Piece const & piece, float textSize) const
         paintText(list, piece, textSize);
         break;
     }
+}
+
+// As a fan of triangles. They share no vertices: SDL's own drawing takes those that do for rectangles where
+// it can, which lose their texture where it has no width or no height.
+void Pieces::paintTextured(ImDrawList & list, Piece const & piece) const {
+    int const count = 3 * static_cast<int>(piece.count - 2);
+    list.PushTextureID(piece.texture);
+    list.PrimReserve(count, count);
+    for (std::size_t corner = 2; corner < piece.count; ++corner)
+        for (std::size_t const i : {piece.first, piece.first + corner - 1, piece.first + corner})
+            list.PrimVtx(points[i], places[i], packed(piece.colour));
+    list.PopTextureID();
 }
 
 // A shadow keeps a text readable over shapes of its own colour.

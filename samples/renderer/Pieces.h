@@ -9,6 +9,7 @@
 
 #include "Cross/engine/core/Math.h"
 #include "Cross/engine/core/MathPrim.h"
+#include "samples/renderer/Vectors.h"
 
 #include <cstddef>
 #include <span>
@@ -24,9 +25,13 @@ public:
     // For a screen of that size in pixels.
     Pieces(Order order, ImVec2 screen) : order(order), screen(screen) {}
 
-    // A convex outline. The back of a body lies a little behind its front, where both meet.
+    // A convex outline.
+    void AddArea(std::span<Math::Vector3f const> corners, MathPrim::Colour colour);
+
+    // A part of the surface of a body, with a convex outline. The back of the body lies a little behind its
+    // front, where both meet. The colour dyes the texture; without one it is plain.
     enum class Side { Front, Back };
-    void AddArea(std::span<Math::Vector3f const> corners, MathPrim::Colour colour, Side side = Side::Front);
+    void AddSurface(std::span<Corner const> corners, ImTextureID texture, MathPrim::Colour colour, Side side);
 
     void AddLine(Math::Vector3f const & start, Math::Vector3f const & end, MathPrim::Colour colour);
 
@@ -44,29 +49,33 @@ public:
     void Paint(ImDrawList & list, float textSize);
 
 private:
-    enum class Kind { Area, Line, Disc, Text };
+    enum class Kind { Area, Textured, Line, Disc, Text };
 
     struct Piece {
         float depth;
         Kind kind;
         MathPrim::Colour colour;
-        std::size_t first = 0, count = 0; // of `points`
+        ImTextureID texture = nullptr;
+        std::size_t first = 0, count = 0; // of `points` and `places`
         std::string const * text = nullptr;
         Anchor anchor = Anchor::MiddleLeft;
     };
 
     // `piece` tells what the parts of the outline have in common; its depth is their bias.
     void addOutline(std::span<Math::Vector3f const> corners, Piece const & piece);
+    void addOutline(Piece const & piece);
     void cutToScreen();
     void addSlices(Piece const & piece);
-    void addPiece(std::span<Math::Vector3f const> corners, Piece piece);
+    void addPiece(std::span<Corner const> corners, Piece piece);
+    void addPoint(Corner const & corner);
     ImVec2 toPixels(Math::Vector3f const & position) const;
     void paint(ImDrawList & list, Piece const & piece, float textSize) const;
+    void paintTextured(ImDrawList & list, Piece const & piece) const;
     void paintText(ImDrawList & list, Piece const & piece, float textSize) const;
 
     Order order;
     ImVec2 screen;
     std::vector<Piece> pieces;
-    std::vector<ImVec2> points;
-    std::vector<Math::Vector3f> outline, cut; // of the shape that is being added
+    std::vector<ImVec2> points, places;
+    std::vector<Corner> outline, cut; // of the shape that is being added
 };

@@ -12,6 +12,7 @@ namespace {
 
 constexpr float c_turnPerPixel = 0.006f; // radians
 constexpr float c_zoomPerNotch = 0.88f;
+constexpr MathPrim::Colour c_undyed = MathPrim::Colour::FromWord(0xFFFFFFFF);
 
 } // namespace
 
@@ -51,12 +52,18 @@ bool Renderer::SavePng(char const * path, std::string & reason) const {
     return TakePicture(picture, reason) && picture.SavePng(path, reason);
 }
 
+void Renderer::DrawTextured(MathPrim::Mesh const & mesh, Math::Matrix43f const & transform,
+                            std::shared_ptr<Texture const> const & texture, char const * frame) {
+    if (texture)
+        keep(CopiedMesh(mesh, transform, c_undyed, texture), frame);
+}
+
 void Renderer::Display() {
     ImVec2 const size = canvas->Size();
     Pieces scene(Pieces::Order::BackToFront, size), sceneInFront(Pieces::Order::BackToFront, size);
     Pieces flat(Pieces::Order::AsAdded, size), flatInFront(Pieces::Order::AsAdded, size);
-    ShapeSplitter split(camera, aspect(), scene, flat);
-    ShapeSplitter splitInFront(camera, aspect(), sceneInFront, flatInFront);
+    ShapeSplitter split(camera, *canvas, scene, flat);
+    ShapeSplitter splitInFront(camera, *canvas, sceneInFront, flatInFront);
     for (Frame const & frame : frames)
         if (frame.display)
             for (Shape const & shape : frame.shapes)
@@ -94,7 +101,10 @@ float Renderer::GetTextWidth(char const * text) {
 
 void Renderer::Draw(DebugRender::Plane3D const & shape, char const * frame) { keep(shape, frame); }
 
-void Renderer::Draw(DebugRender::Mesh const & shape, char const * frame) { keep(CopiedMesh(shape), frame); }
+void Renderer::Draw(DebugRender::Mesh const & shape, char const * frame) {
+    if (shape.mesh)
+        keep(CopiedMesh(*shape.mesh, shape.transform, shape.colour), frame);
+}
 
 void Renderer::Draw(DebugRender::Text3D const & shape, char const * frame) {
     keep(CopiedText3D{shape.position, std::string(ShownText(shape.text)), shape.colour}, frame);
@@ -130,8 +140,6 @@ void Renderer::Draw(DebugRender::Point2D const & shape, char const * frame) { ke
 
 void Renderer::keep(Shape shape, char const * frame) { frames.Of(frame).shapes.push_back(std::move(shape)); }
 
-float Renderer::aspect() const { return canvas->Size().x / canvas->Size().y; }
-
 void Renderer::handle(SDL_Event const & event) {
     switch (event.type) {
     case SDL_QUIT:
@@ -160,5 +168,5 @@ void Renderer::pick(int x, int y) const {
     ImVec2 const size = canvas->Size();
     Math::Vector2f const place{2.0f * static_cast<float>(x) / size.x - 1.0f,
                                1.0f - 2.0f * static_cast<float>(y) / size.y};
-    onPick(camera.RayThrough(place, aspect()));
+    onPick(camera.RayThrough(place, canvas->Aspect()));
 }

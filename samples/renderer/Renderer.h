@@ -17,7 +17,7 @@
 // Display draws the scene, the farthest shapes first, then the scenes of the frames that are always in front,
 // then what lies on the screen, again with those frames last and otherwise in the order in which it was
 // drawn. A new frame is shown, has auto clear and is not in front. Coordinates that are not finite do no
-// harm: their shapes are left out.
+// harm: their shapes are left out. Textured meshes are shapes of the scene like all others.
 //
 // Threads: one, that of main for a window. One window at a time.
 
@@ -65,6 +65,13 @@ public:
     bool TakePicture(Picture & picture, std::string & reason) const;
     bool SavePng(char const * path, std::string & reason) const;
 
+    // Draws a mesh with a texture that lies over it from above: x and z of the mesh's own bounds, to the
+    // right and ahead, are the width and the height of the picture, so that sides show the colour of the
+    // pixels that they stand on. Each face is shaded; where the system refuses the texture they are white.
+    // Without triangles or a texture nothing is drawn.
+    void DrawTextured(MathPrim::Mesh const & mesh, Math::Matrix43f const & transform,
+                      std::shared_ptr<Texture const> const & texture, char const * frame);
+
     void Display() override;
 
     void OnFrame() override {}
@@ -108,7 +115,6 @@ private:
     static std::unique_ptr<Renderer> on(std::unique_ptr<Canvas> canvas);
 
     void keep(Shape shape, char const * frame);
-    float aspect() const;
     void handle(SDL_Event const & event);
     void pick(int x, int y) const;
 

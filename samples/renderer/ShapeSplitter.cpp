@@ -52,12 +52,14 @@ void ShapeSplitter::operator()(DebugRender::Plane3D const & shape) {
 }
 
 void ShapeSplitter::operator()(CopiedMesh const & shape) {
+    ImTextureID const texture = shape.texture ? canvas.TextureFor(shape.texture) : nullptr;
     for (auto const & [a, b, c] : shape.triangles) {
-        Vector3f const normal = Direction(Cross(b - a, c - a), {0, 1, 0});
-        bool const facesCamera = Dot(normal, camera.Position() - a) >= 0.0f;
-        Vector3f const corners[] = {seen(a), seen(b), seen(c)};
-        scene.AddArea(corners, shaded(shape.colour, lightOn(normal)),
-                      facesCamera ? Pieces::Side::Front : Pieces::Side::Back);
+        Vector3f const normal = Direction(Cross(b.position - a.position, c.position - a.position), {0, 1, 0});
+        bool const facesCamera = Dot(normal, camera.Position() - a.position) >= 0.0f;
+        Corner const corners[] = {
+            {seen(a.position), a.place}, {seen(b.position), b.place}, {seen(c.position), c.place}};
+        scene.AddSurface(corners, texture, shaded(shape.colour, lightOn(normal)),
+                         facesCamera ? Pieces::Side::Front : Pieces::Side::Back);
     }
 }
 

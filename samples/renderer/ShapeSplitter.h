@@ -1,20 +1,21 @@
 #pragma once
 
 // ShapeSplitter: turns shapes into pieces, those of the scene, as a camera sees them, and those on the
-// screen.
+// screen. The canvas gives the textures.
 //
 // Planes, meshes, triangles and points are filled; meshes are shaded a little, to tell their faces apart, and
 // planes have an edge. All else is lines. A circle without a normal lies level. A sphere is its outline and
 // three rings, fainter at the back. Texts in the scene stand over their position; texts on the screen start
 // at theirs, with the middle of the line level with it.
 #include "samples/renderer/Camera.h"
+#include "samples/renderer/Canvas.h"
 #include "samples/renderer/Pieces.h"
 #include "samples/renderer/Shapes.h"
 
 class ShapeSplitter {
 public:
-    ShapeSplitter(Camera const & camera, float aspect, Pieces & scene, Pieces & flat)
-        : camera(camera), aspect(aspect), scene(scene), flat(flat) {}
+    ShapeSplitter(Camera const & camera, Canvas & canvas, Pieces & scene, Pieces & flat)
+        : camera(camera), canvas(canvas), aspect(canvas.Aspect()), scene(scene), flat(flat) {}
 
     void operator()(DebugRender::Plane3D const & shape);
     void operator()(CopiedMesh const & shape);
@@ -46,6 +47,7 @@ private:
     void sphereOutline(DebugRender::Sphere const & sphere);
 
     Camera const & camera;
+    Canvas & canvas;
     float aspect;
     Pieces & scene;
     Pieces & flat;

@@ -1,11 +1,14 @@
 #pragma once
 
-// Debug shapes as a renderer keeps them until it shows them, with copies of what their callers lend: texts
-// and the corners of meshes.
+// Shapes as a renderer keeps them until it shows them, with copies of what their callers lend: texts and the
+// corners of meshes.
 
 #include "Cross/Util/DebugRender.h"
+#include "samples/renderer/Texture.h"
+#include "samples/renderer/Vectors.h"
 
 #include <array>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -24,13 +27,16 @@ struct CopiedText2D {
 };
 
 struct CopiedMesh {
-    // Indices that no vertex has, and what is left over of threes, are dropped.
-    explicit CopiedMesh(DebugRender::Mesh const & mesh);
+    // Indices that no vertex has, and what is left over of threes, are dropped. A texture lies over the mesh
+    // from above: x and z of the mesh's own bounds are its width and height.
+    CopiedMesh(MathPrim::Mesh const & mesh, Math::Matrix43f const & transform, MathPrim::Colour colour,
+               std::shared_ptr<Texture const> texture = nullptr);
 
     // In world units. Those of a closed mesh have their normals, of second by third side, outside, whichever
     // way the mesh goes round.
-    std::vector<std::array<Math::Vector3f, 3>> triangles;
+    std::vector<std::array<Corner, 3>> triangles;
     MathPrim::Colour colour;
+    std::shared_ptr<Texture const> texture; // may be null
 };
 
 using Shape =

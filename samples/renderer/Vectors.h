@@ -19,6 +19,12 @@ inline Math::Vector3f Direction(Math::Vector3f const & v, Math::Vector3f const &
                                                   : otherwise;
 }
 
+// A corner of an area, and the place in a texture that it shows: 0 to 1, from the bottom left.
+struct Corner {
+    Math::Vector3f position;
+    Math::Vector2f place;
+};
+
 // Two unit vectors across a direction and across each other.
 struct Across {
     explicit Across(Math::Vector3f const & direction)

@@ -1,11 +1,12 @@
 // Draws pictures of what the renderer can show into the folder that is given, or the present one: every
-// shape, the list of render statistics, and graphs.
+// shape, textured meshes, the list of render statistics, and graphs.
 
 #include "Cross/Util/RenderStats.h"
 #include "Cross/Util/StatGraph.h"
 #include "samples/debugdraw/GraphSink.h"
 #include "samples/renderer/Renderer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstdio>
@@ -167,6 +168,80 @@ void feedGraphs() {
     StatGraph::SetVisible(true);
 }
 
+// Of an island that reaches from -1 to 1 along both axes: above 0 for land, up to about 1.
+float heightAt(float x, float z) {
+    float const peak = 1.15f * std::exp(-6.0f * ((x - 0.15f) * (x - 0.15f) + (z - 0.2f) * (z - 0.2f)));
+    float const hill = 0.55f * std::exp(-9.0f * ((x + 0.4f) * (x + 0.4f) + (z + 0.3f) * (z + 0.3f)));
+    float const waves = 0.05f * std::sin(9.0f * x + 2.0f * z) * std::cos(8.0f * z - 3.0f * x);
+    return peak + hill + waves - 0.16f;
+}
+
+Colour groundAt(float height) {
+    struct Belt {
+        float top;
+        Colour colour;
+    };
+
+    constexpr Belt c_belts[] = {
+        {-0.08f, Colour::FromWord(0xFF1F4E79)}, {0.0f, Colour::FromWord(0xFF2F7FA8)},
+        {0.05f, Colour::FromWord(0xFFD8C690)},  {0.22f, Colour::FromWord(0xFF6FA050)},
+        {0.45f, Colour::FromWord(0xFF3F7040)},  {0.72f, Colour::FromWord(0xFF80786C)}};
+    for (Belt const & belt : c_belts)
+        if (height < belt.top)
+            return belt.colour;
+    return colour(0xFFF0F4F8);
+}
+
+std::shared_ptr<Texture const> islandMap() {
+    constexpr unsigned int c_side = 256;
+    Texture::Image map;
+    map.Resize(c_side, c_side);
+    auto const at = [](unsigned int pixel) {
+        return (static_cast<float>(pixel) + 0.5f) * 2.0f / c_side - 1.0f;
+    };
+    for (unsigned int row = 0; row < c_side; ++row)
+        for (unsigned int column = 0; column < c_side; ++column)
+            map.data[row * c_side + column] = groundAt(heightAt(at(column), at(row)));
+    return Texture::Of(map);
+}
+
+// A block of sea with the land on it, the sides down to y = -0.3.
+MathPrim::Mesh island() {
+    constexpr unsigned int c_steps = 40, c_row = c_steps + 3;
+    MathPrim::Mesh mesh;
+    for (unsigned int row = 0; row < c_row; ++row)
+        for (unsigned int column = 0; column < c_row; ++column) {
+            auto const at = [](unsigned int step) {
+                return static_cast<float>(std::clamp(step, 1u, c_steps + 1) - 1) * 2.0f / c_steps - 1.0f;
+            };
+            bool const foot = row == 0 || column == 0 || row == c_row - 1 || column == c_row - 1;
+            float const x = at(column), z = at(row);
+            mesh.vertices.push_back({x, foot ? -0.3f : std::max(0.0f, heightAt(x, z)), z});
+        }
+    for (unsigned int row = 0; row + 1 < c_row; ++row)
+        for (unsigned int column = 0; column + 1 < c_row; ++column) {
+            unsigned int const corner = row * c_row + column;
+            for (unsigned int const index :
+                 {corner, corner + c_row, corner + c_row + 1, corner, corner + c_row + 1, corner + 1})
+                mesh.indices.push_back(static_cast<std::uint16_t>(index));
+        }
+    return mesh;
+}
+
+void drawIslands(Renderer & renderer) {
+    drawGround();
+    MathPrim::Mesh const mesh = island();
+    std::shared_ptr<Texture const> const map = islandMap();
+    renderer.DrawTextured(mesh, {{{8, 0, 0}, {0, 4, 0}, {0, 0, 8}, {-3, 1.2f, -1}}}, map, c_scene);
+    renderer.DrawTextured(mesh, {{{0, 0, 3}, {0, 3, 0}, {-3, 0, 0}, {11, 0.9f, -3}}}, map, c_scene);
+    Vector3f const summit{-1.8f, 5.2f, 0.6f};
+    draw(DebugRender::Line{summit, summit + Vector3f{0, 1.6f, 0}, c_label});
+    draw(
+        DebugRender::Text3D{summit + Vector3f{0, 1.7f, 0}, "a texture laid over a mesh from above", c_label});
+    draw(DebugRender::Sphere{{-6.2f, 2.6f, -3.4f}, 1.3f, colour(0xFFE0605A)});
+    draw(DebugRender::Text3D{{11, 3.8f, -3}, "the same, turned", c_label});
+}
+
 // Draws one frame by itself and saves it.
 class Painter {
 public:
@@ -210,6 +285,7 @@ int main(int argc, char ** argv) {
     GraphSink graphs;
     Painter painter(*renderer, argc > 1 ? argv[1] : ".");
     painter.Save("shapes.png", drawEveryShape);
+    painter.Save("textured.png", [&] { drawIslands(*renderer); });
     painter.Save("renderstats.png", [] {
         drawGround();
         drawTable();

@@ -26,6 +26,7 @@ constexpr int c_width = 320, c_height = 180;
 constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
 constexpr float c_inf = std::numeric_limits<float>::infinity();
 constexpr Colour c_green = Colour::FromWord(0xFF40C020), c_red = Colour::FromWord(0xFFE01030);
+constexpr Colour c_blue = Colour::FromWord(0xFF2030F0), c_grey = Colour::FromWord(0xFF808080);
 
 class RendererTest : public testing::Test {
 protected:
@@ -86,6 +87,27 @@ DebugRender::Tri2D rightHalf(Colour colour) { return {{{0, -3}, {3, 0}, {0, 3}},
 Math::Matrix43f movedBy(float x) { return {{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {x, 0, 0}}}; }
 
 MathPrim::Mesh triangleMesh() { return {{{-1, -1, 0}, {1, -1, 0}, {0, 1.5f, 0}}, {0, 2, 1}, {}}; }
+
+// A texture of two rows and columns, its pixels from the bottom left to the top right.
+std::shared_ptr<Texture const> textureOf(std::vector<Colour> const & pixels) {
+    Texture::Image image;
+    image.Resize(2, 2);
+    std::copy(pixels.begin(), pixels.end(), image.data);
+    return Texture::Of(image);
+}
+
+// A box whose sides are 4, 2 and 4 long, with its top at y = 0, far from the origin of its own coordinates.
+MathPrim::Mesh boxMesh() {
+    MathPrim::Mesh mesh;
+    for (int corner = 0; corner < 8; ++corner)
+        mesh.vertices.push_back(
+            {corner & 1 ? 102.0f : 98.0f, corner & 2 ? 0.0f : -2.0f, corner & 4 ? 52.0f : 48.0f});
+    mesh.indices = {0, 2, 6, 0, 6, 4, 1, 5, 7, 1, 7, 3, 0, 1, 3, 0, 3, 2,
+                    4, 6, 7, 4, 7, 5, 0, 4, 5, 0, 5, 1, 2, 3, 7, 2, 7, 6};
+    return mesh;
+}
+
+constexpr Math::Matrix43f c_boxToOrigin{{{1, 0, 0}, {0, 1, 0}, {0, 0, 1}, {-100, 0, -50}}};
 
 DebugRender::Cube cube(float x) {
     return {{{x + 1, 1, 1},
@@ -397,6 +419,8 @@ TEST_F(RendererTest, TheSameIsDrawnEachTimeToTheByte) {
         frame([&] {
             for (Exhibit const & shape : exhibits())
                 shape.draw(*renderer, 0.1f);
+            renderer->DrawTextured(boxMesh(), c_boxToOrigin, textureOf({c_red, c_green, c_blue, c_grey}),
+                                   "f");
         });
         ASSERT_TRUE(renderer->SavePng((folder / name).c_str(), reason)) << reason;
     }
@@ -429,6 +453,72 @@ TEST_F(RendererTest, TheCameraTurnsZoomsAndPicks) {
     Vector3f const seen = camera.ToScreen(ray.origin + ray.direction * 7.0f, aspect);
     EXPECT_NEAR(seen.x / seen.z, 0.4f, 1e-4f);
     EXPECT_NEAR(seen.y / seen.z, -0.3f, 1e-4f);
+}
+
+// The texture's colour, in the light that the face has.
+void expectShaded(Colour shown, Colour colour, float light) {
+    EXPECT_NEAR(shown.red, static_cast<float>(colour.red) * light, 2);
+    EXPECT_NEAR(shown.green, static_cast<float>(colour.green) * light, 2);
+    EXPECT_NEAR(shown.blue, static_cast<float>(colour.blue) * light, 2);
+}
+
+TEST_F(RendererTest, TexturesLieOverMeshesFromAbove) {
+    constexpr float c_topLight = 0.923f, c_southLight = 0.867f;
+    MathPrim::Mesh const box = boxMesh();
+    std::shared_ptr<Texture const> texture = textureOf({c_red, c_green, c_blue, c_grey});
+    auto const drawBox = [&] { renderer->DrawTextured(box, c_boxToOrigin, texture, "f"); };
+
+    renderer->camera.LookAt({0, 12, -0.01f}, {0, 0, 0}); // straight down, with z ahead
+    Picture const above = frame(drawBox);
+    expectShaded(above.At(150, 100), c_red, c_topLight);
+    expectShaded(above.At(170, 100), c_green, c_topLight);
+    expectShaded(above.At(150, 80), c_blue, c_topLight);
+    expectShaded(above.At(170, 80), c_grey, c_topLight);
+
+    // the southern side shows the bottom row
+    renderer->camera.LookAt({0, -1, -12}, {0, -1, 0});
+    Picture const south = frame(drawBox);
+    expectShaded(south.At(150, 90), c_red, c_southLight);
+    expectShaded(south.At(170, 90), c_green, c_southLight);
+
+    // a picture that was loaded anew shows at once, also where it took the memory of the old one
+    texture.reset();
+    texture = textureOf({c_blue, c_grey, c_red, c_green});
+    expectShaded(frame(drawBox).At(150, 90), c_blue, c_southLight);
+}
+
+TEST_F(RendererTest, TexturedMeshesAreSortedWithTheShapesOfTheScene) {
+    MathPrim::Mesh const box = boxMesh();
+    std::shared_ptr<Texture const> const texture = textureOf({c_blue, c_blue, c_blue, c_blue});
+    for (float const z : {-4.0f, 4.0f}) {
+        Picture const picture = frame([&] {
+            draw(triangle(0, z, c_green));
+            renderer->DrawTextured(box, c_boxToOrigin, texture, "f");
+        });
+        EXPECT_EQ(picture.At(160, 95) == c_green, z < 0) << z;
+        EXPECT_NE(picture.At(160, 95), renderer->background) << z;
+    }
+}
+
+TEST_F(RendererTest, WhatHasNoTextureOrPlaceIsNotDrawn) {
+    Picture const empty = frame();
+    MathPrim::Mesh mesh = boxMesh();
+    std::shared_ptr<Texture const> const texture = textureOf({c_red, c_green, c_blue, c_grey});
+    auto const frameWith = [&](Math::Matrix43f const & transform,
+                               std::shared_ptr<Texture const> const & worn) {
+        return frame([&] { renderer->DrawTextured(mesh, transform, worn, "f"); });
+    };
+    EXPECT_NE(frameWith(c_boxToOrigin, texture), empty);
+    EXPECT_EQ(frameWith(c_boxToOrigin, Texture::Of({})), empty);
+    for (float const bad : {c_nan, c_inf, 1e30f}) {
+        EXPECT_EQ(frameWith(movedBy(bad), texture), empty) << bad;
+        EXPECT_EQ(frameWith({{{bad, bad, bad}, {}, {}, {}}}, texture), empty) << bad;
+        mesh.vertices[0].x = bad; // leaves out the faces that meet there
+        EXPECT_NE(frameWith(c_boxToOrigin, texture), empty) << bad;
+        mesh = boxMesh();
+    }
+    mesh.indices.clear();
+    EXPECT_EQ(frameWith(c_boxToOrigin, texture), empty);
 }
 
 // Sets a variable of the environment, or takes it out, while it lives.
