@@ -47,6 +47,7 @@ void AddSettingsVerbs(CLI::App & app, Job & job);
 void AddStatsVerbs(CLI::App & app, Job & job);
 void AddSyncVerbs(CLI::App & app, Job & job);
 void AddTableVerbs(CLI::App & app, Job & job);
+void AddTargaVerbs(CLI::App & app, Job & job);
 
 // Runs one command line and gives the exit code. Nothing is thrown. While it runs, the trace of the process
 // is its own: the lines follow behind the verdict on `err`.
