@@ -40,6 +40,7 @@ void PrintLines(std::ostream & stream, char const * verdict, Lines const & lines
 ExitCode Fail(Output const & output, Lines const & reasons);
 
 // Each adds the verbs of a format, which set `job`; both must outlive the parsing.
+void AddChunkVerbs(CLI::App & app, Job & job);
 void AddConfigVerbs(CLI::App & app, Job & job);
 void AddMenuVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
