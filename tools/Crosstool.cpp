@@ -47,6 +47,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddStatsVerbs(app, job);
     AddMenuVerbs(app, job);
     AddTargaVerbs(app, job);
+    AddMeshVerbs(app, job);
     AddChunkVerbs(app, job);
     try {
         app.parse(argc, argv);

@@ -43,6 +43,7 @@ ExitCode Fail(Output const & output, Lines const & reasons);
 void AddChunkVerbs(CLI::App & app, Job & job);
 void AddConfigVerbs(CLI::App & app, Job & job);
 void AddMenuVerbs(CLI::App & app, Job & job);
+void AddMeshVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
 void AddSettingsVerbs(CLI::App & app, Job & job);
 void AddStatsVerbs(CLI::App & app, Job & job);
