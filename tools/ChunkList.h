@@ -17,12 +17,16 @@ struct ChunkEntry {
     // With its header.
     unsigned int Size() const { return End() - chunk.headerOffset; }
 
-    unsigned int depth;      // number of folders around it
-    Chunky::ChunkInfo chunk; // of a piece only the offsets, with the body in place of a header
-    std::string damage;      // why it cannot be read; empty for a chunk
+    bool IsFolder() const { return isChunk && chunk.kind == Chunky::CK_FOLDER; }
+
+    unsigned int depth; // number of folders around it
+    bool isChunk;
+    Chunky::ChunkInfo chunk; // its size is what is there; of a piece only the offsets, all of it body
+    std::string damage;      // what is wrong with its header; empty for a good chunk
 };
 
 struct ChunkList {
+    std::size_t CountChunks() const;
     std::size_t CountDamages() const;
 
     unsigned int fileSize = 0;
@@ -30,7 +34,8 @@ struct ChunkList {
     std::vector<ChunkEntry> entries;      // in the order of the file
 };
 
-// Lists a file to its end. What follows in a folder behind damage is one piece; behind the folder it goes on.
+// Lists a file to its end. A chunk that is larger than what is left is listed with what is there of it. What
+// follows behind other damage is a piece to the end of its folder; behind the folder it goes on.
 ChunkList ListChunks(ByteStream & stream);
 
 // The letters of an id, or its number when it has others.

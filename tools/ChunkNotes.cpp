@@ -1,22 +1,16 @@
 #include "tools/ChunkList.h"
 #include "tools/ChunkValues.h"
+#include "tools/NumberText.h"
 #include "tools/Quote.h"
 
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Types.h"
 
-#include <charconv>
+#include <algorithm>
 
 namespace {
 
 constexpr unsigned int c_magicSize = 8, c_wordSize = 4;
-
-// The shortest digits that give the value back.
-std::string floatText(float value) {
-    char digits[32];
-    std::to_chars_result const end = std::to_chars(digits, digits + sizeof(digits), value);
-    return std::string(digits, end.ptr);
-}
 
 std::string kindText(std::uint32_t kind) {
     switch (kind) {
@@ -47,10 +41,12 @@ public:
             noteFileHeader();
         for (ChunkEntry const & entry : list.entries) {
             values.Enter(entry.chunk.headerOffset, entry.End());
-            if (entry.damage.empty())
+            if (!entry.damage.empty())
+                note({values.Position(), 0, "damaged: " + entry.damage});
+            if (entry.isChunk)
                 noteChunk(entry.chunk);
             else
-                notePiece(entry);
+                notePiece();
         }
     }
 
@@ -61,8 +57,7 @@ private:
         note({c_magicSize + c_wordSize, c_wordSize, "platform " + std::to_string(*list.platform)});
     }
 
-    void notePiece(ChunkEntry const & entry) {
-        note({values.Position(), 0, "damaged: " + entry.damage});
+    void notePiece() {
         if (list.platform)
             noteChunkHeader();
         noteRest("not read");
@@ -167,7 +162,7 @@ private:
 
     bool noteFloats(std::string const & name, int count) {
         float numbers[3];
-        return noteValues(name, numbers, count, floatText);
+        return noteValues(name, numbers, count, FloatText);
     }
 
     bool noteText(char const * name) {

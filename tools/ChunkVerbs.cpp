@@ -1,6 +1,7 @@
 #include "tools/AddVerb.h"
 #include "tools/ChunkList.h"
 #include "tools/InputFile.h"
+#include "tools/NumberText.h"
 #include "tools/Quote.h"
 
 #include "Cross/engine/core/Text.h"
@@ -29,23 +30,21 @@ char const * kindText(Chunky::ChunkInfo const & chunk) {
     return chunk.kind == Chunky::CK_FOLDER ? "folder" : "data";
 }
 
-std::string countText(std::size_t count, char const * thing) {
-    return std::to_string(count) + ' ' + thing + (count == 1 ? "" : "s");
-}
-
 std::string summary(ChunkList const & list) {
     std::size_t const damages = list.CountDamages();
-    return countText(list.entries.size() - damages, "chunk") + ", " + countText(list.fileSize, "byte") +
+    return CountText(list.CountChunks(), "chunk", "chunks") + ", " +
+           CountText(list.fileSize, "byte", "bytes") +
            (list.platform ? ", platform " + std::to_string(*list.platform) : "") +
-           (damages > 0 ? ", " + countText(damages, "damaged piece") : "");
+           (damages > 0 ? ", " + CountText(damages, "error", "errors") : "");
 }
 
 std::string entryText(ChunkEntry const & entry) {
-    if (!entry.damage.empty())
-        return "damaged: " + entry.damage;
+    std::string const damage = entry.damage.empty() ? "" : "damaged: " + entry.damage;
+    if (!entry.isChunk)
+        return damage;
     std::string const name = entry.chunk.name.empty() ? "" : " " + Quote(entry.chunk.name);
     return std::string(kindText(entry.chunk)) + ' ' + Quote(ChunkIdText(entry.chunk.id)) + " version " +
-           std::to_string(entry.chunk.version) + name;
+           std::to_string(entry.chunk.version) + name + (damage.empty() ? "" : ", " + damage);
 }
 
 void printTree(ChunkList const & list, std::ostream & out) {
@@ -63,14 +62,14 @@ void printJsonEntry(ChunkEntry const & entry, ChunkList const & list, std::ostre
     Chunky::ChunkInfo const & chunk = entry.chunk;
     out << "{\"offset\": " << chunk.headerOffset << ", \"bytes\": " << entry.Size()
         << ", \"percent\": " << shareText(entry, list);
-    if (!entry.damage.empty()) {
+    if (!entry.damage.empty())
         out << ", \"damage\": " << QuoteJson(entry.damage);
+    if (!entry.isChunk)
         return;
-    }
     out << ", \"kind\": \"" << kindText(chunk) << "\", \"id\": " << QuoteJson(ChunkIdText(chunk.id))
         << ", \"version\": " << chunk.version << ", \"name\": " << QuoteJson(chunk.name)
         << ", \"body\": " << chunk.bodySize;
-    if (chunk.kind == Chunky::CK_FOLDER)
+    if (entry.IsFolder())
         out << ", \"chunks\": [";
 }
 
@@ -84,9 +83,8 @@ void printJson(ChunkList const & list, std::string const & file, std::ostream & 
     auto const close = [&](unsigned int depth) {
         if (!before)
             return;
-        bool const isFolder = before->damage.empty() && before->chunk.kind == Chunky::CK_FOLDER;
         if (before->depth >= depth)
-            out << (isFolder ? "]}" : "}");
+            out << (before->IsFolder() ? "]}" : "}");
         for (unsigned int open = before->depth; open > depth; --open)
             out << "]}";
     };

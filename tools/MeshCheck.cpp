@@ -2,6 +2,8 @@
 
 #include "tools/ChunkList.h"
 #include "tools/ChunkValues.h"
+#include "tools/NumberText.h"
+#include "tools/Quote.h"
 
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Types.h"
@@ -34,6 +36,8 @@ constexpr Kind c_kinds[] = {
     {c_volumeId, Chunky::CK_DATA, 2},   {c_meshId, Chunky::CK_DATA, 1},     {c_listId, Chunky::CK_FOLDER, 1},
     {c_listInfoId, Chunky::CK_DATA, 1}, {c_meshInfoId, Chunky::CK_DATA, 1},
 };
+
+std::string idText(std::uint32_t id) { return Quote(ChunkIdText(id)); }
 
 bool isFinite(Vector3f const & vector) {
     return std::isfinite(vector.x) && std::isfinite(vector.y) && std::isfinite(vector.z);
@@ -88,11 +92,11 @@ private:
             return;
         }
         if (kind->kind != chunk.kind)
-            return find(chunk.headerOffset, "%s is a %s, not a %s", ChunkIdText(chunk.id).c_str(),
+            return find(chunk.headerOffset, "%s is a %s, not a %s", idText(chunk.id).c_str(),
                         kindText(chunk.kind), kindText(kind->kind));
         if (chunk.version > kind->newestVersion)
             return find(chunk.headerOffset, "%s has version %u, newer than %u, the newest known",
-                        ChunkIdText(chunk.id).c_str(), chunk.version, kind->newestVersion);
+                        idText(chunk.id).c_str(), chunk.version, kind->newestVersion);
         values.Enter(chunk.bodyOffset, entry.End());
         checkContent(index);
     }
@@ -219,7 +223,7 @@ private:
                                                                : c_meshId;
             if (child.chunk.id != expected)
                 return find(child.chunk.headerOffset, "%s stands in the list where %s is expected",
-                            ChunkIdText(child.chunk.id).c_str(), ChunkIdText(expected).c_str());
+                            idText(child.chunk.id).c_str(), idText(expected).c_str());
             ++children;
         }
         if (children == 0)
@@ -296,10 +300,6 @@ private:
     bool hasList = false;
 };
 
-std::string countText(std::size_t count, char const * one, char const * many) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : many);
-}
-
 } // namespace
 
 std::string MeshReport::Summary() const {
@@ -308,10 +308,10 @@ std::string MeshReport::Summary() const {
         vertices += mesh.mesh.vertices.size();
         triangles += mesh.mesh.indices.size() / 3;
     }
-    return countText(meshes.size(), "mesh", "meshes") + ", " + countText(vertices, "vertex", "vertices") +
-           ", " + countText(triangles, "triangle", "triangles") + ", " +
-           countText(volumes.size(), "bound volume", "bound volumes") +
-           (otherChunks > 0 ? ", " + countText(otherChunks, "chunk", "chunks") + " of other kinds" : "");
+    return CountText(meshes.size(), "mesh", "meshes") + ", " + CountText(vertices, "vertex", "vertices") +
+           ", " + CountText(triangles, "triangle", "triangles") + ", " +
+           CountText(volumes.size(), "bound volume", "bound volumes") +
+           (otherChunks > 0 ? ", " + CountText(otherChunks, "chunk", "chunks") + " of other kinds" : "");
 }
 
 std::vector<std::string> MeshReport::Lines(std::string const & file) const {

@@ -1,6 +1,7 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
 #include "tools/MeshCheck.h"
+#include "tools/NumberText.h"
 #include "tools/ObjSource.h"
 #include "tools/Quote.h"
 
@@ -8,7 +9,6 @@
 #include "Cross/engine/filesystem/EndianConvertor.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 
-#include <charconv>
 #include <ostream>
 
 using Math::Vector3f;
@@ -72,15 +72,8 @@ ExitCode importObj(ImportArguments const & arguments, Output const & output) {
     return exitGood;
 }
 
-// The shortest digits that give the values back.
 std::string vectorText(Vector3f const & vector) {
-    std::string text;
-    for (float const value : {vector.x, vector.y, vector.z}) {
-        char digits[32];
-        std::to_chars_result const end = std::to_chars(digits, digits + sizeof(digits), value);
-        text += (text.empty() ? "" : " ") + std::string(digits, end.ptr);
-    }
-    return text;
+    return FloatText(vector.x) + ' ' + FloatText(vector.y) + ' ' + FloatText(vector.z);
 }
 
 void printVolume(BoundVolume const & volume, std::ostream & out) {
@@ -111,8 +104,8 @@ void printMesh(MeshReport::Mesh const & mesh, std::ostream & out) {
     BoundVolume bounds;
     bounds.Build(mesh.mesh.vertices.data(), static_cast<unsigned int>(mesh.mesh.vertices.size()));
     MathPrim::OBBf const & box = bounds.GetOBB();
-    out << "mesh " << Quote(mesh.name) << ": " << mesh.mesh.vertices.size() << " vertices, "
-        << mesh.mesh.indices.size() / 3 << " triangles";
+    out << "mesh " << Quote(mesh.name) << ": " << CountText(mesh.mesh.vertices.size(), "vertex", "vertices")
+        << ", " << CountText(mesh.mesh.indices.size() / 3, "triangle", "triangles");
     if (bounds.IsValid())
         out << ", from " << vectorText(box.center - box.extents) << " to "
             << vectorText(box.center + box.extents);

@@ -188,8 +188,12 @@ TEST(ChunkList, DamageIsShownInItsPlace) {
          "        75          1          1        1.0      damaged: the 1 bytes left are too few for "
          "a chunk\n"
          "        76         21          1       21.6  data \"BVOL\" version 2\n"},
+        // what is too large is shown with what is there of it
         {28, "FF",
-         "        16         81         81       83.5  damaged: size 255 exceeds the 58 bytes left\n"},
+         "        16         81         58       83.5  folder \"MENU\" version 1 \"top\", damaged: size 255 "
+         "exceeds the 58 bytes left\n"
+         "        39         37         17       38.1      data \"0x00000007\" version 2\n"
+         "        76         21          1       21.6      data \"BVOL\" version 2\n"},
         {4, "0A",
          "         0         97         97      100.0  damaged: the chunk file was damaged by a "
          "conversion of its line ends\n"},

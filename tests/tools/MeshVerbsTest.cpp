@@ -107,7 +107,7 @@ TEST(MeshVerbs, ImportsObjectsAndTheirBounds) {
                   "bound volume: centre 1 1.5 1.25, extents 1 1.5 1.25\n"
                   "    axis 1 0 0\n    axis 0 1 0\n    axis 0 0 1\n"
                   "mesh \"floor\": 4 vertices, 2 triangles, from 0 0 0 to 2 0 2.5\n"
-                  "mesh \"roof left\": 3 vertices, 1 triangles, from 0 0 0 to 2 3 0\n");
+                  "mesh \"roof left\": 3 vertices, 1 triangle, from 0 0 0 to 2 3 0\n");
     EXPECT_EQ(RunTool({"mesh", "verify", mesh}).code, 0);
 }
 
@@ -197,11 +197,11 @@ TEST(MeshCheck, EachThingWrongHasItsPlace) {
         {37, "0000C07F", "37: the centre of the box is not finite\n"},
         {49, "000080BF", "49: the extents of the box are not finite numbers from 0 up\n"},
         {61, "00000000", "61: the axes of the box are not of length 1 and at right angles\n"},
-        {24, "03", "16: BVOL has version 3, newer than 2, the newest known\n"},
+        {24, "03", "16: \"BVOL\" has version 3, newer than 2, the newest known\n"},
         {162, "02", "162: the list tells of 2 meshes, but holds 1\n"},
         {194, "04", "194: the name of the mesh exceeds its chunk\n"},
         {194, "02", "200: 1 bytes follow behind the name of the mesh\n"},
-        {134, "4A", "130: MSLJ stands in the list where MSLI is expected\n"},
+        {134, "4A", "130: \"MSLJ\" stands in the list where \"MSLI\" is expected\n"},
         {230, "FFFFFFFF", "230: a count of the mesh is negative: -1 vertices, 3 indices\n"},
         {230, "FFFFFF00", "230: 16777215 vertices and 3 indices take 201326586 bytes, but 42 are left\n"},
         {234, "02", "234: 2 indices are not three per triangle\n278: 2 bytes follow behind the mesh\n"},
