@@ -2,6 +2,7 @@
 #include "tools/ChunkValues.h"
 #include "tools/NumberText.h"
 #include "tools/Quote.h"
+#include "tools/TableNotes.h"
 
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Types.h"
@@ -135,7 +136,10 @@ private:
         if (!noteWord([](std::uint32_t crc) { return "crc " + hexText(crc); }) ||
             !noteNumber("bytes of image", size) || size > values.Left())
             return false;
-        noteBytes(size, "image of an attribute table");
+        unsigned int const begin = values.Position();
+        std::string image(size, '\0');
+        values.Read(image.data(), size);
+        AnnotateTable(image, begin, note);
         return true;
     }
 

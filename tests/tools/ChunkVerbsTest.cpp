@@ -4,6 +4,7 @@
 #include "tools/ChunkList.h"
 
 #include "Cross/Util/BasicMeshIO.h"
+#include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/Util/BoundVolumeIO.h"
 
 #include <gtest/gtest.h>
@@ -31,12 +32,27 @@ void writeDictionary(Chunky & file) {
     file.PopChunk();
 }
 
-void writeTable(Chunky & file) {
+void writeTable(Chunky & file, std::string const & image) {
     file.WriteDataChunk(FourCC("AEGD"), 1, -1);
     file.Write(std::uint32_t{0xCBF43926});
-    file.Write(std::uint32_t{9});
-    file.WriteBytes("123456789", 9);
+    file.Write(static_cast<std::uint32_t>(image.size()));
+    file.WriteBytes(image.data(), static_cast<unsigned int>(image.size()));
     file.PopChunk();
+}
+
+// Native; with a byte between two values that nothing uses.
+std::string sampleTable() {
+    BinaryConfigCreator creator;
+    creator.SetNumber("speed", 1.5f);
+    creator.SetBool("on", true);
+    creator.SetString("tag", "a");
+    creator.SetWString("wide", u"w");
+    creator.TablePush("sub", false);
+    creator.SetNumber("x", -1);
+    creator.TablePop();
+    BinaryConfig table;
+    BinaryConfigIO::CreateBinaryConfig(creator, table, 1);
+    return {static_cast<char const *>(table.GetBinaryConfigData()), table.GetBinaryConfigDataSize()};
 }
 
 void writeOldVolume(Chunky & file) {
@@ -53,7 +69,8 @@ std::string fileOfAllKinds(PlatformType platform) {
     FilledStream stream;
     Chunky file(stream, platform);
     writeDictionary(file);
-    writeTable(file);
+    writeTable(file, sampleTable());
+    writeTable(file, "123456789");
     writeOldVolume(file);
     BoundVolume volume;
     volume.SetSphere({{1, 2, 3}, 4});
@@ -144,7 +161,12 @@ TEST(ChunkList, NotesTellWhatTheLibraryStores) {
     std::string const text = meanings(fileOfAllKinds(1));
     for (char const * const content : {
              "\ntexts 1\nkey 0x12AB97D0\ntext of 5 bytes\n\"speed\"\n",
-             "\ncrc 0xCBF43926\nbytes of image 9\nimage of an attribute table\n",
+             "\ntable of 5 fields\nfield 0x12AB97D0, its value at 145\n",
+             "\n0x12AB97D0: Float 1.5\n0xB8ED05D9: Bool true\n0xD8DAF8B2: String \"a\"\nunused\n"
+             "0xE1B972C1: WString \"w\"\n0xFF6AAAAD: table of 1 field\nfield 0xD6D9AF33, its value at 173\n"
+             "0xD6D9AF33: Integer -1\n",
+             "\ncrc 0xCBF43926\nbytes of image 9\nno sound table: at ",
+             "\nimage of an attribute table\n",
              "\nhas a sphere true\nis valid true\nsphere centre 0 0 0\nsphere radius 0\nbox centre 0 0 0\n",
              "\nis valid true\nbox centre 1 2 3\nbox extents 4 4 4\nbox axis 1 0 0\nbox axis 0 1 0\nbox axis "
              "0 0 1\n",
