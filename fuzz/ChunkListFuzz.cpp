@@ -1,8 +1,9 @@
 // Any bytes as a chunk file that people want to see: whatever is wrong with it, every byte is told once, the
-// entries nest, and good is what the library reads to the end.
+// entries nest, and good is what the library reads to the end. The check of meshes takes any bytes, too.
 
 #include "tests/support/StreamBytes.h"
 #include "tools/ChunkList.h"
+#include "tools/MeshCheck.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -67,6 +68,7 @@ extern "C" int LLVMFuzzerTestOneInput(std::uint8_t const * data, std::size_t siz
     ChunkList const list = ListChunks(stream);
     demandNesting(list);
     demandNotes(stream, list);
+    CheckMeshes(stream);
     demand(walks(stream) == (list.CountDamages() == 0));
     return 0;
 }
