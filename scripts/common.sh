@@ -5,7 +5,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
 # What building and testing needs on Debian 12.
 build_packages=(g++ cmake ninja-build pkg-config zlib1g-dev libboost-dev liblua5.1-0-dev libcli11-dev libgtest-dev
-                libstb-dev libsdl2-dev libimgui-dev libpng-dev)
+                libstb-dev libsdl2-dev libimgui-dev libpng-dev libtinyobjloader-dev)
 
 # Installs those of the named Debian packages that are missing; asks nothing of apt when all are there.
 need_packages() {

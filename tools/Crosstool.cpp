@@ -46,6 +46,9 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddSettingsVerbs(app, job);
     AddStatsVerbs(app, job);
     AddMenuVerbs(app, job);
+    AddTargaVerbs(app, job);
+    AddMeshVerbs(app, job);
+    AddChunkVerbs(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {

@@ -32,3 +32,14 @@ bool IsSameFile(std::string const & left, std::string const & right) {
     std::error_code error;
     return std::filesystem::equivalent(left, right, error);
 }
+
+bool ReadWholeFile(std::string const & path, std::string & bytes, std::vector<std::string> & findings) {
+    ByteStreamProxy const stream = OpenForReading(path, findings);
+    if (!stream)
+        return false;
+    bytes.resize(stream->GetLen());
+    if (stream->Read(bytes.data(), stream->GetLen()) == bytes.size())
+        return true;
+    findings.push_back(path + ": cannot be read");
+    return false;
+}

@@ -12,3 +12,6 @@ ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string
 
 // Whether two paths lead to one existing file, which a verb would then overwrite.
 bool IsSameFile(std::string const & left, std::string const & right);
+
+// The bytes of a whole file. False, with the reason in `findings`, when it cannot be read.
+bool ReadWholeFile(std::string const & path, std::string & bytes, std::vector<std::string> & findings);

@@ -1,5 +1,6 @@
 #include "tools/TableFile.h"
 
+#include "tools/ChunkList.h"
 #include "tools/InputFile.h"
 
 #include "Cross/Util/BinaryConfigIO.h"
@@ -11,7 +12,6 @@
 
 #include <algorithm>
 #include <cstdarg>
-#include <exception>
 
 namespace {
 
@@ -34,9 +34,9 @@ public:
     TableState Run() {
         try {
             checkFile();
-        } catch (std::exception const & error) {
+        } catch (std::runtime_error const & error) {
             // The chunk layer leaves the stream where the damage begins.
-            find(stream.GetPos(), "%s", withoutPlace(error.what()).c_str());
+            find(stream.GetPos(), "%s", ChunkReason(error, stream).c_str());
         }
         if (isForeign)
             return TableState::failed;
@@ -115,13 +115,6 @@ private:
         unsigned int const end = chunk.bodyOffset + chunk.bodySize;
         if (stream.GetLen() > end)
             find(end, "%u bytes follow behind the table", stream.GetLen() - end);
-    }
-
-    // The reason in a message of the chunk layer, behind the place, which ends with the name of the file.
-    std::string withoutPlace(std::string const & message) const {
-        std::string const placeEnd = std::string("'") + stream.GetStreamName() + "': ";
-        std::size_t const place = message.find(placeEnd);
-        return place == std::string::npos ? message : message.substr(place + placeEnd.size());
     }
 
     void find(unsigned int offset, char const * format, ...) CROSS_PRINTF_FORMAT(3, 4) {

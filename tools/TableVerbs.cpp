@@ -1,5 +1,6 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
+#include "tools/OutputFile.h"
 #include "tools/TableDiff.h"
 #include "tools/TableFile.h"
 #include "tools/TableView.h"
@@ -8,7 +9,6 @@
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 
-#include <filesystem>
 #include <ostream>
 
 namespace {
@@ -24,11 +24,6 @@ bool openGood(std::string const & path, BinaryConfig & config, Lines & findings)
 struct BuildArguments {
     std::string source, target, names;
 };
-
-// The library's saves go through the alias mapping; a slash in front of the first ':' keeps a path out of it.
-std::string withoutAlias(std::string const & path) {
-    return path.find(':') < path.find('/') ? "./" + path : path;
-}
 
 // Names with a line break in them cannot stand in a list of lines.
 bool saveNames(std::string const & path, std::set<std::string> const & names) {
@@ -49,7 +44,7 @@ ExitCode saveTable(BuildArguments const & arguments, BinaryConfigCreator const &
                    TableSource::Report const & report, Output const & output) {
     BinaryConfig table;
     BinaryConfigIO::CreateBinaryConfig(creator, table, c_platform);
-    if (!BinaryConfigIO::Save(withoutAlias(arguments.target).c_str(), table, c_platform))
+    if (!BinaryConfigIO::Save(WithoutAlias(arguments.target).c_str(), table, c_platform))
         return Fail(output, {arguments.target + ": cannot be written"});
     if (!arguments.names.empty() && !saveNames(arguments.names, report.names))
         return Fail(output, {arguments.names + ": cannot be written"});

@@ -1,12 +1,12 @@
 #include "tools/TableView.h"
 
 #include "tools/InputFile.h"
+#include "tools/NumberText.h"
 #include "tools/Quote.h"
 #include "tools/tablesource/TableSource.h"
 
 #include "Cross/engine/core/Text.h"
 
-#include <charconv>
 #include <cmath>
 #include <cstring>
 #include <ostream>
@@ -49,16 +49,7 @@ char const * typeName(BCTypes::FieldEntryType type) {
     return "unknown";
 }
 
-// The shortest digits that give the value back.
-std::string floatText(float value) {
-    char digits[32];
-    std::to_chars_result const end = std::to_chars(digits, digits + sizeof(digits), value);
-    return std::string(digits, end.ptr);
-}
-
-std::string countText(std::size_t count) {
-    return std::to_string(count) + (count == 1 ? " field" : " fields");
-}
+std::string countText(std::size_t count) { return CountText(count, "field", "fields"); }
 
 std::string valueText(TableField const & field) {
     switch (field.type) {
@@ -66,7 +57,7 @@ std::string valueText(TableField const & field) {
         auto const value = load<float>(field.value);
         // Two NaNs may differ.
         return std::isnan(value) ? "nan (" + KeyText(load<std::uint32_t>(field.value)) + ")"
-                                 : floatText(value);
+                                 : FloatText(value);
     }
     case BCTypes::Integer:
         return std::to_string(load<std::int32_t>(field.value));
@@ -87,7 +78,7 @@ std::string jsonValue(TableField const & field) {
     switch (field.type) {
     case BCTypes::Float: {
         auto const value = load<float>(field.value);
-        return std::isfinite(value) ? floatText(value) : Quote(floatText(value));
+        return std::isfinite(value) ? FloatText(value) : Quote(FloatText(value));
     }
     case BCTypes::String:
         return QuoteJson(std::string_view(field.value));

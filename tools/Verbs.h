@@ -40,13 +40,16 @@ void PrintLines(std::ostream & stream, char const * verdict, Lines const & lines
 ExitCode Fail(Output const & output, Lines const & reasons);
 
 // Each adds the verbs of a format, which set `job`; both must outlive the parsing.
+void AddChunkVerbs(CLI::App & app, Job & job);
 void AddConfigVerbs(CLI::App & app, Job & job);
 void AddMenuVerbs(CLI::App & app, Job & job);
+void AddMeshVerbs(CLI::App & app, Job & job);
 void AddScriptVerbs(CLI::App & app, Job & job);
 void AddSettingsVerbs(CLI::App & app, Job & job);
 void AddStatsVerbs(CLI::App & app, Job & job);
 void AddSyncVerbs(CLI::App & app, Job & job);
 void AddTableVerbs(CLI::App & app, Job & job);
+void AddTargaVerbs(CLI::App & app, Job & job);
 
 // Runs one command line and gives the exit code. Nothing is thrown. While it runs, the trace of the process
 // is its own: the lines follow behind the verdict on `err`.

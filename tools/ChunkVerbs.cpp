@@ -1,0 +1,157 @@
+#include "tools/AddVerb.h"
+#include "tools/ChunkList.h"
+#include "tools/InputFile.h"
+#include "tools/NumberText.h"
+#include "tools/Quote.h"
+
+#include "Cross/engine/core/Text.h"
+
+#include <algorithm>
+#include <iomanip>
+#include <ostream>
+
+namespace {
+
+struct ListArguments {
+    std::string file;
+    bool asJson = false, asHex = false;
+};
+
+constexpr unsigned int c_bytesPerLine = 16;
+constexpr unsigned int c_deepestIndent = 32; // deeper chunks tell their depth: a line stays short
+
+std::string shareText(ChunkEntry const & entry, ChunkList const & list) {
+    std::string share;
+    text::Printf(share, "%.1f", 100.0 * entry.Size() / std::max(list.fileSize, 1u));
+    return share;
+}
+
+char const * kindText(Chunky::ChunkInfo const & chunk) {
+    return chunk.kind == Chunky::CK_FOLDER ? "folder" : "data";
+}
+
+std::string summary(ChunkList const & list) {
+    std::size_t const damages = list.CountDamages();
+    return CountText(list.CountChunks(), "chunk", "chunks") + ", " +
+           CountText(list.fileSize, "byte", "bytes") +
+           (list.platform ? ", platform " + std::to_string(*list.platform) : "") +
+           (damages > 0 ? ", " + CountText(damages, "error", "errors") : "");
+}
+
+std::string entryText(ChunkEntry const & entry) {
+    std::string const damage = entry.damage.empty() ? "" : "damaged: " + entry.damage;
+    if (!entry.isChunk)
+        return damage;
+    std::string const name = entry.chunk.name.empty() ? "" : " " + Quote(entry.chunk.name);
+    return std::string(kindText(entry.chunk)) + ' ' + Quote(ChunkIdText(entry.chunk.id)) + " version " +
+           std::to_string(entry.chunk.version) + name + (damage.empty() ? "" : ", " + damage);
+}
+
+void printTree(ChunkList const & list, std::ostream & out) {
+    out << "    offset      bytes       body  % of file  chunk\n";
+    for (ChunkEntry const & entry : list.entries) {
+        bool const isDeep = entry.depth > c_deepestIndent;
+        out << std::setw(10) << entry.chunk.headerOffset << std::setw(11) << entry.Size() << std::setw(11)
+            << entry.chunk.bodySize << std::setw(11) << shareText(entry, list) << "  "
+            << std::string(4 * std::min(entry.depth, c_deepestIndent), ' ')
+            << (isDeep ? "(depth " + std::to_string(entry.depth) + ") " : "") << entryText(entry) << '\n';
+    }
+}
+
+void printJsonEntry(ChunkEntry const & entry, ChunkList const & list, std::ostream & out) {
+    Chunky::ChunkInfo const & chunk = entry.chunk;
+    out << "{\"offset\": " << chunk.headerOffset << ", \"bytes\": " << entry.Size()
+        << ", \"percent\": " << shareText(entry, list);
+    if (!entry.damage.empty())
+        out << ", \"damage\": " << QuoteJson(entry.damage);
+    if (!entry.isChunk)
+        return;
+    out << ", \"kind\": \"" << kindText(chunk) << "\", \"id\": " << QuoteJson(ChunkIdText(chunk.id))
+        << ", \"version\": " << chunk.version << ", \"name\": " << QuoteJson(chunk.name)
+        << ", \"body\": " << chunk.bodySize;
+    if (entry.IsFolder())
+        out << ", \"chunks\": [";
+}
+
+// A folder stays open until an entry of its own depth follows.
+void printJson(ChunkList const & list, std::string const & file, std::ostream & out) {
+    out << "{\"verdict\": \"" << (list.CountDamages() == 0 ? "good" : "damaged")
+        << "\", \"file\": " << QuoteJson(file) << ", \"bytes\": " << list.fileSize
+        << ", \"platform\": " << (list.platform ? std::to_string(*list.platform) : "null")
+        << ", \"chunks\": [";
+    ChunkEntry const * before = nullptr;
+    auto const close = [&](unsigned int depth) {
+        if (!before)
+            return;
+        if (before->depth >= depth)
+            out << (before->IsFolder() ? "]}" : "}");
+        for (unsigned int open = before->depth; open > depth; --open)
+            out << "]}";
+    };
+    for (ChunkEntry const & entry : list.entries) {
+        close(entry.depth);
+        out << (before && before->depth >= entry.depth ? ",\n" : "\n");
+        printJsonEntry(entry, list, out);
+        before = &entry;
+    }
+    close(0);
+    out << "\n]}\n";
+}
+
+// The bytes of a note, some to a line, its meaning beside the first.
+void printNote(ByteStream & stream, ByteNote const & note, std::ostream & out) {
+    unsigned int done = 0;
+    do {
+        unsigned char bytes[c_bytesPerLine];
+        unsigned int const size = std::min(note.size - done, c_bytesPerLine);
+        stream.SetPos(note.offset + done);
+        ByteStreamAdapter(&stream, nullptr).ReadBytes(bytes, size);
+        std::string digits, line;
+        for (unsigned int i = 0; i < size; ++i) {
+            text::Printf(line, "%02X ", bytes[i]);
+            digits += line;
+        }
+        text::Printf(line, "%10u  ", note.offset + done);
+        out << line
+            << (done == 0 ? std::string(3 * c_bytesPerLine - digits.size(), ' ').insert(0, digits)
+                          : digits.substr(0, digits.size() - 1))
+            << (done == 0 ? " " + note.meaning : "") << '\n';
+        done += size;
+    } while (done < note.size);
+}
+
+ExitCode list(ListArguments const & arguments, Output const & output) {
+    Lines reasons;
+    ByteStreamProxy const stream = OpenForReading(arguments.file, reasons);
+    if (!stream)
+        return Fail(output, reasons);
+    ChunkList const list = ListChunks(*stream);
+    bool const isGood = list.CountDamages() == 0;
+    if (arguments.asJson) {
+        printJson(list, arguments.file, output.out);
+    } else {
+        output.out << (isGood ? "good: " : "damaged: ") << arguments.file << ": " << summary(list) << '\n';
+        if (arguments.asHex)
+            AnnotateChunks(*stream, list,
+                           [&](ByteNote const & note) { printNote(*stream, note, output.out); });
+        else
+            printTree(list, output.out);
+    }
+    return isGood ? exitGood : exitFinding;
+}
+
+} // namespace
+
+void AddChunkVerbs(CLI::App & app, Job & job) {
+    CLI::App & chunk = *app.add_subcommand("chunk", "Chunk files of any content");
+    chunk.require_subcommand(1);
+    chunk.footer("Example: crosstool chunk list tank.msh --hex");
+    CLI::App & verb = *chunk.add_subcommand(
+        "list", "Print the tree of chunks, of damaged files as far as it goes; 1 for damage");
+    auto const arguments = AddVerb(verb, job, list);
+    AddFile(verb, "FILE", arguments->file, "The chunk file");
+    CLI::Option * const json = verb.add_flag("--json", arguments->asJson, "Print JSON");
+    verb.add_flag("--hex", arguments->asHex, "Print every byte of the file and what it means")
+        ->excludes(json);
+    verb.footer("Example: crosstool chunk list tank.msh --hex");
+}
