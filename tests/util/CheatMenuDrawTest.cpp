@@ -147,7 +147,8 @@ TEST_F(CheatMenuDrawTest, AFrameIsSetUpAndClearedBeforeItIsDrawn) {
     Menu().Toggle();
     Menu().Toggle();
     Press("l");
-    EXPECT_EQ(out.str(), std::string(c_cleared) + c_cleared + c_cleared);
+    std::string const cleared = "{\"call\":\"Clear\",\"frame\":\"cheatmenu\"}\n";
+    EXPECT_EQ(out.str(), cleared + cleared + cleared);
     EXPECT_EQ(Frame(), "");
 }
 
@@ -199,8 +200,6 @@ TEST_F(CheatMenuDrawTest, WidthsAreThoseOfTheWidestLine) {
     };
     for (auto const & [lines, right] : cases) {
         Renew();
-        LoadLines("");
-        Frame(); // each load is measured
         LoadLines(lines);
         std::string const begin =
             R"({"call":"Draw","shape":"Tri2D","frame":"cheatmenu","corners":[[-0.9,0.9],[)";

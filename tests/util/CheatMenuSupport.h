@@ -11,9 +11,6 @@
 #include <lua.hpp>
 #include <sstream>
 
-// What the menu writes when it closes.
-inline constexpr char const * c_cleared = "{\"call\":\"Clear\",\"frame\":\"cheatmenu\"}\n";
-
 // A menu, a fresh global script state whose scripts can reach the menu, a proxy, and the trace. The cursor of
 // the state is in a table of its own, as a game's may be.
 class CheatMenuTest : public testing::Test {

@@ -2,6 +2,8 @@
 
 #include "tests/util/CheatMenuSupport.h"
 
+#include <cstring>
+
 namespace {
 
 using Lines = std::vector<std::string>;
@@ -65,10 +67,6 @@ TEST_F(CheatMenuTest, TakesGoodLinesAndDropsOthers) {
         LoadLines(lines);
         EXPECT_EQ(Texts(), texts) << lines;
     }
-    State().PushTable("aside");
-    LoadLines(command("a"));
-    EXPECT_EQ(Texts(), "a ") << "wherever the cursor is";
-    State().PopTable();
     EXPECT_EQ(trace.lines, Lines());
 }
 
@@ -355,8 +353,6 @@ TEST_F(CheatMenuTest, ScriptsMayTakeTheMenuAway) {
     auto const check = [this](Case const & test, std::string const & context) {
         bool const isOpen = CheatMenu::Instance() && Menu().IsEnabled();
         EXPECT_EQ(isOpen, test.texts != nullptr) << context << test.act;
-        EXPECT_TRUE(isOpen || !CheatMenu::Instance() || out.str().ends_with(c_cleared))
-            << context << test.act;
         if (!isOpen)
             return;
         Frame();
