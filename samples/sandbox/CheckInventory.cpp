@@ -60,9 +60,13 @@ void CheckInventory(Report & report, Game & game) {
 
 void CheckNothingLeft(Report & report, Game & game) {
     report.Begin("letting go");
-    std::size_t const before =
-        inventory::Front::GetResourcesCount(&game.units) + inventory::Front::GetResourcesCount(&game.weapons);
+    std::size_t before = 0;
+    for (Inv::ResourceTypeInfo const * const kind : std::initializer_list<Inv::ResourceTypeInfo const *>{
+             &game.units, &game.weapons, &game.skins, &game.models})
+        before += inventory::Front::GetResourcesCount(kind);
     game.army.clear();
+    game.tankSkins.clear();
+    game.tankModel = {};
     inventory::Front::Flush();
     Inv::DumpInfo const dump = inventory::Front::Dump();
     std::size_t left = 0;

@@ -21,6 +21,7 @@ void CheckSettings(Report & report, Game const & game);
 void CheckConfigFiles(Report & report);
 void CheckInstruments(Report & report, Game & game);
 void CheckMenu(Report & report, Game & game);
+void CheckArt(Report & report, Game & game);
 void CheckRecords(Report & report);
 
 // Changes one bit in one of two worlds at the start of a frame, counted from 1.

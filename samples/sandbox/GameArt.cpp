@@ -3,10 +3,16 @@
 #include "Cross/Util/BasicMeshIO.h"
 #include "Cross/Util/BoundVolumeIO.h"
 #include "Cross/Util/TGAIO.h"
+#include "Cross/engine/core/Text.h"
+#include "Cross/engine/core/Types.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/filesystem/FilePath.h"
+#include "samples/sandbox/Files.h"
+#include "tools/Verbs.h"
 
 #include <cstdint>
+#include <iterator>
+#include <sstream>
 #include <stdexcept>
 #include <vector>
 
@@ -22,12 +28,45 @@ void append(MathPrim::Mesh & whole, MathPrim::Mesh const & part) {
         whole.indices.push_back(static_cast<std::uint16_t>(first + index));
 }
 
+std::string realPath(std::string const & aliased) {
+    char path[c_maxPath];
+    text::CopyCut(path, sizeof(path), aliased.c_str());
+    FilePath::ConvertFromAlias(path, c_streamRead, nullptr);
+    return path;
+}
+
+// As an artist does it: with the tool.
+bool importModel(std::string & error) {
+    std::string const from = realPath(std::string("DATA:") + c_tankName + ".obj");
+    std::string const to = realPath(std::string("GENERIC:") + c_tankName + ".mesh");
+    char const * const arguments[] = {"crosstool", "mesh", "import", from.c_str(), to.c_str()};
+    std::ostringstream out, err;
+    bool const good = RunCrosstool(static_cast<int>(std::size(arguments)), arguments, out, err) == exitGood;
+    error = err.str();
+    return good;
+}
+
 } // namespace
 
-std::unique_ptr<Texture> ReadTexture(std::string const & path) {
-    auto texture = std::make_unique<Texture>();
-    if (TGAIO::Load(path.c_str(), texture->pixels))
-        return texture;
+bool BuildArt(std::string & error) {
+    for (char const * const name : c_skinNames) {
+        std::string const file = std::string(name) + ".tga";
+        std::string const picture = ReadWholeFile(("DATA:" + file).c_str());
+        if (picture.empty() || !WriteWholeFile(("GENERIC:" + file).c_str(), picture)) {
+            error = file + " cannot be copied";
+            return false;
+        }
+    }
+    return importModel(error);
+}
+
+std::unique_ptr<Skin> ReadSkin(std::string const & path) {
+    Texture::Image image;
+    auto skin = std::make_unique<Skin>();
+    if (TGAIO::Load(path.c_str(), image))
+        skin->texture = Texture::Of(image);
+    if (skin->texture)
+        return skin;
     dbTimeStampedTracefAux("SANDBOX -- no picture: %s", path.c_str());
     return nullptr;
 }

@@ -4,15 +4,16 @@
 // file is saved.
 
 #include "Cross/Util/BoundVolume.h"
-#include "Cross/engine/core/Array2D.h"
 #include "Cross/engine/filesystem/LoadScheduler.h"
 #include "samples/inventory/Inventory.h"
+#include "samples/renderer/Texture.h"
 
 #include <memory>
 #include <string>
 
-struct Texture : Inv::NamedResource {
-    Array2D<MathPrim::Colour, Array2DNewAllocator<MathPrim::Colour>> pixels; // the bottom row first
+// What a unit wears.
+struct Skin : Inv::NamedResource {
+    std::shared_ptr<Texture const> texture; // never null
 };
 
 struct Model : Inv::NamedResource {
@@ -20,8 +21,17 @@ struct Model : Inv::NamedResource {
     BoundVolume bounds;
 };
 
+// The art that the data folder ships, as the names of its resources: pictures that all show the same, and a
+// model.
+inline constexpr char const * c_skinNames[] = {"art/tank24", "art/tank24_rle", "art/tank32",
+                                               "art/tank32_rle"};
+inline constexpr char const * c_tankName = "art/tank";
+
+// Puts pictures and models where the kinds find them: pictures as they are, models imported from OBJ text.
+bool BuildArt(std::string & error);
+
 // Null when the file cannot be read; the trace says why.
-std::unique_ptr<Texture> ReadTexture(std::string const & path);
+std::unique_ptr<Skin> ReadSkin(std::string const & path);
 std::unique_ptr<Model> ReadModel(std::string const & path);
 
 // A kind whose assets are one file each: "art/tank" is GENERIC:art/tank with the kind's extension.

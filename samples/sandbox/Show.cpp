@@ -78,6 +78,16 @@ struct Show {
     Graphs graphs;
 };
 
+// Units wear their picture where a renderer can show it.
+void dressUnits(Show & show, Game const & game, Renderer & renderer) {
+    show.loop.View().paintUnit = [&game, &renderer](Math::Matrix43f const & transform) {
+        Model const * const tank = game.tankModel.Get();
+        Skin const * const skin = game.tankSkins.front().Get();
+        if (tank && skin)
+            renderer.DrawTextured(tank->mesh, transform, skin->texture, "World");
+    };
+}
+
 void lookAtWorld(Renderer & renderer) { renderer.camera.LookAt({470, 170, 60}, {520, 0, 420}); }
 
 // A key that is pressed when a part of the show is over, so that it shows one thing after the other.
@@ -184,6 +194,7 @@ ShowResult playOffscreen(Game & game, ShowOptions const & options) {
     Registered const registered(*renderer);
     StepClock clock;
     Show show(game, options.menu);
+    dressUnits(show, game, *renderer);
     bool good = options.keys.empty() ? playAlone(show, clock, *renderer, pictures, options.frames)
                                      : playKeys(show, clock, *renderer, pictures, options.keys);
     if (good && !options.shot.empty())
@@ -212,6 +223,7 @@ ShowResult playWindow(Game & game, Renderer & renderer, ShowOptions const & opti
     lookAtWorld(renderer);
     Registered const registered(renderer);
     Show show(game, options.menu);
+    dressUnits(show, game, renderer);
     renderer.onKey = [&show](char const * key, bool) { PressKey(show.loop, key); };
     renderer.onPick = [&show](MathPrim::Rayf const & ray) {
         show.loop.View().Select(show.loop.View().Pick(ray));

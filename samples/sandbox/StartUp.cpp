@@ -94,6 +94,23 @@ private:
     std::size_t done = 0;
 };
 
+// Brings pictures and models into place.
+class ArtStep : public Step {
+public:
+    ArtStep(Game & game, std::string & events) : Step(game, events, "art") {}
+
+protected:
+    InitList::LoadResult Slice() override {
+        std::string error;
+        if (BuildArt(error))
+            return InitList::Finished;
+        dbTimeStampedTracefAux("SANDBOX -- %s", error.c_str());
+        return InitList::Failed;
+    }
+
+    void Undo() override {}
+};
+
 // Sets the inventory up and asks for one unit of each sort; their data comes later.
 class InventoryStep : public Step {
 public:
@@ -105,10 +122,15 @@ protected:
         for (Asset const & asset : game.assets)
             if (asset.kind == "units")
                 game.army.push_back(game.units.Get((asset.kind + "/" + asset.name).c_str()));
+        for (char const * const name : c_skinNames)
+            game.tankSkins.push_back(game.skins.Get(name));
+        game.tankModel = game.models.Get(c_tankName);
         return InitList::Finished;
     }
 
     void Undo() override {
+        game.tankModel = {};
+        game.tankSkins.clear();
         game.army.clear();
         Inv::Shutdown();
     }
@@ -167,6 +189,7 @@ void showBar(float progress) {
 StartUp::StartUp(Game & game, bool failOnce) : manager("start") {
     manager.Register(new SettingsStep(game, events), "settings", 0.1f);
     manager.Register(new TablesStep(game, events), "attribute tables", 2.0f);
+    manager.Register(new ArtStep(game, events), "art", 0.3f);
     manager.Register(new InventoryStep(game, events), "inventory", 0.5f);
     manager.Register(new AssetsStep(game, events), "assets", 1.0f);
     manager.Register(new ScriptsStep(game, events, failOnce), "scripts", 0.5f);

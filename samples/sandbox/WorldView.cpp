@@ -19,7 +19,6 @@ constexpr float c_selectionRadius = 18.0f;
 constexpr unsigned int c_circleSteps = 32;
 constexpr Colour c_grid = Colour::FromWord(0xFF30404A);
 constexpr Colour c_selection = Colour::FromWord(0xFFFFD030);
-constexpr Colour c_name = Colour::FromWord(0xFFE8EEF2);
 
 char const * const c_world = "World";
 char const * const c_names = "Names";
@@ -130,11 +129,14 @@ void WorldView::drawGround() const {
 void WorldView::drawUnit(unsigned int unit) const {
     announce("models/units/light_tank.mesh");
     announce("models/units/shadow_blob.mesh");
-    DebugRender::Draw(DebugRender::Mesh{&tank, transformOf(unit), colourOf(world.StateOf(unit).health)},
-                      c_world);
+    Colour const health = colourOf(world.StateOf(unit).health);
+    if (paintUnit)
+        paintUnit(transformOf(unit));
+    else
+        DebugRender::Draw(DebugRender::Mesh{&tank, transformOf(unit), health}, c_world);
     Vector3f const place = PlaceOf(unit);
     std::string const name = "tank " + std::to_string(unit);
-    DebugRender::Draw(DebugRender::Text3D{{place.x, 8.0f, place.z}, name.c_str(), c_name}, c_names);
+    DebugRender::Draw(DebugRender::Text3D{{place.x, 8.0f, place.z}, name.c_str(), health}, c_names);
 }
 
 void WorldView::drawSelection() const {

@@ -7,6 +7,7 @@
 #include "Cross/Util/BoundVolume.h"
 #include "samples/sandbox/Simulation.h"
 
+#include <functional>
 #include <optional>
 
 class WorldView {
@@ -30,6 +31,10 @@ public:
     bool ShowsBounds() const { return showsBounds; }
 
     void ShowBounds(bool show) { showsBounds = show; }
+
+    // Draws a unit at a place in the scene, in place of the plain mesh that the view has of its own; may be
+    // empty.
+    std::function<void(Math::Matrix43f const & transform)> paintUnit;
 
     // The volume of a unit where it stands now.
     BoundVolume VolumeOf(unsigned int unit) const;

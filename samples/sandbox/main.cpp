@@ -98,6 +98,7 @@ void runChecks(Report & report, Game & game, StartUp const & start, Settings con
     CheckLogs(report, game.assets);
     CheckInventory(report, game);
     CheckReload(report, game);
+    CheckArt(report, game);
     CheckScripts(report);
     CheckSettings(report, game);
     CheckConfigFiles(report);
@@ -105,6 +106,7 @@ void runChecks(Report & report, Game & game, StartUp const & start, Settings con
     CheckMenu(report, game);
     CheckRecords(report);
     CheckSync(report, settings.desync);
+    showGame(report, game, settings.show);
     CheckNothingLeft(report, game);
     report.End();
 }
@@ -138,7 +140,6 @@ int main(int argc, char ** argv) {
         return 1;
     }
     runChecks(report, game, start, settings);
-    showGame(report, game, settings.show);
     if (settings.console)
         RunConsole();
     start.Unload();
