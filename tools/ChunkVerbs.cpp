@@ -73,51 +73,53 @@ void printJsonEntry(ChunkEntry const & entry, ChunkList const & list, std::ostre
         out << ", \"chunks\": [";
 }
 
-// A folder stays open until an entry of its own depth follows.
+// Ends the entries that are open at a depth and below, by the texts that end them.
+void closeTo(std::vector<char const *> & ends, unsigned int depth, std::ostream & out) {
+    for (; ends.size() > depth; ends.pop_back())
+        out << ends.back();
+}
+
 void printJson(ChunkList const & list, std::string const & file, std::ostream & out) {
     out << "{\"verdict\": \"" << (list.CountDamages() == 0 ? "good" : "damaged")
         << "\", \"file\": " << QuoteJson(file) << ", \"bytes\": " << list.fileSize
         << ", \"platform\": " << (list.platform ? std::to_string(*list.platform) : "null")
         << ", \"chunks\": [";
-    ChunkEntry const * before = nullptr;
-    auto const close = [&](unsigned int depth) {
-        if (!before)
-            return;
-        if (before->depth >= depth)
-            out << (before->IsFolder() ? "]}" : "}");
-        for (unsigned int open = before->depth; open > depth; --open)
-            out << "]}";
-    };
+    std::vector<char const *> ends;
     for (ChunkEntry const & entry : list.entries) {
-        close(entry.depth);
-        out << (before && before->depth >= entry.depth ? ",\n" : "\n");
+        bool const isFirst = ends.size() == entry.depth;
+        closeTo(ends, entry.depth, out);
+        out << (isFirst ? "\n" : ",\n");
         printJsonEntry(entry, list, out);
-        before = &entry;
+        ends.push_back(entry.IsFolder() ? "]}" : "}");
     }
-    close(0);
+    closeTo(ends, 0, out);
     out << "\n]}\n";
+}
+
+// "01 02 03" of bytes of a file.
+std::string digitsAt(ByteStream & stream, unsigned int offset, unsigned int size) {
+    unsigned char bytes[c_bytesPerLine];
+    stream.SetPos(offset);
+    ByteStreamAdapter(&stream, nullptr).ReadBytes(bytes, size);
+    std::string digits, byte;
+    for (unsigned int i = 0; i < size; ++i) {
+        text::Printf(byte, i == 0 ? "%02X" : " %02X", bytes[i]);
+        digits += byte;
+    }
+    return digits;
 }
 
 // The bytes of a note, some to a line, its meaning beside the first.
 void printNote(ByteStream & stream, ByteNote const & note, std::ostream & out) {
-    unsigned int done = 0;
-    do {
-        unsigned char bytes[c_bytesPerLine];
+    unsigned int done = std::min(note.size, c_bytesPerLine);
+    out << std::setw(10) << note.offset << "  " << std::left << std::setw(3 * c_bytesPerLine + 1)
+        << digitsAt(stream, note.offset, done) << std::right << note.meaning << '\n';
+    while (done < note.size) {
         unsigned int const size = std::min(note.size - done, c_bytesPerLine);
-        stream.SetPos(note.offset + done);
-        ByteStreamAdapter(&stream, nullptr).ReadBytes(bytes, size);
-        std::string digits, line;
-        for (unsigned int i = 0; i < size; ++i) {
-            text::Printf(line, "%02X ", bytes[i]);
-            digits += line;
-        }
-        text::Printf(line, "%10u  ", note.offset + done);
-        out << line
-            << (done == 0 ? std::string(3 * c_bytesPerLine - digits.size(), ' ').insert(0, digits)
-                          : digits.substr(0, digits.size() - 1))
-            << (done == 0 ? " " + note.meaning : "") << '\n';
+        out << std::setw(10) << note.offset + done << "  " << digitsAt(stream, note.offset + done, size)
+            << '\n';
         done += size;
-    } while (done < note.size);
+    }
 }
 
 ExitCode list(ListArguments const & arguments, Output const & output) {

@@ -3,11 +3,12 @@
 #include "tools/MeshCheck.h"
 #include "tools/NumberText.h"
 #include "tools/ObjSource.h"
+#include "tools/OutputFile.h"
 #include "tools/Quote.h"
 
 #include "Cross/Util/BoundVolumeIO.h"
 #include "Cross/engine/filesystem/EndianConvertor.h"
-#include "Cross/engine/filesystem/FilePathHDRaw.h"
+#include "Cross/engine/filesystem/RamStream.h"
 
 #include <ostream>
 
@@ -29,13 +30,13 @@ BoundVolume boundsOf(std::vector<BasicMeshIO::MeshInfo> const & meshes) {
     return bounds;
 }
 
-// Throws when it cannot be written; the old file stays then.
-void saveMeshes(ByteStream & stream, std::vector<BasicMeshIO::MeshInfo> const & meshes) {
+std::string fileOf(std::vector<BasicMeshIO::MeshInfo> const & meshes) {
+    RamStream stream;
+    stream.Open(0x1000, c_streamWrite);
     Chunky file(&stream, c_nativePlatform);
     BoundVolumeIO::Save(file, boundsOf(meshes));
     BasicMeshIO::SaveList(file, meshes);
-    if (!stream.Flush())
-        throw std::runtime_error("cannot be written");
+    return {static_cast<char const *>(stream.GetBuffer()), stream.GetLen()};
 }
 
 bool openFile(std::string const & file, MeshReport & report, Lines & reasons) {
@@ -68,17 +69,9 @@ ExitCode importObj(ImportArguments const & arguments, Output const & output) {
     auto const meshes = ReadObj(arguments.source, text, reasons);
     if (!reasons.empty())
         return Fail(output, reasons);
-    ByteStreamProxy stream(FilePathHDRaw::UnaliasedFileOpen(arguments.target.c_str(), c_streamWrite, false));
-    if (!stream)
+    if (!WriteWholeFile(arguments.target, fileOf(meshes)))
         return Fail(output, {arguments.target + ": cannot be written"});
-    try {
-        saveMeshes(*stream, meshes);
-    } catch (std::runtime_error const & error) {
-        stream->Discard();
-        return Fail(output, {arguments.target + ": " + error.what()});
-    }
-    stream = ByteStreamProxy();
-    return verify(arguments.target, output); // sizes beyond what a float holds are found in what was written
+    return verify(arguments.target, output);
 }
 
 std::string vectorText(Vector3f const & vector) {

@@ -15,6 +15,8 @@
 namespace {
 
 constexpr std::size_t c_mostErrors = 20;
+constexpr std::size_t c_longestWord = 40; // of a word in an error
+constexpr double c_farthest = 1e18;       // sums and squares of coordinates stay finite
 constexpr int c_mostCorners = 256;
 constexpr std::size_t c_mostVertices = 65536; // that an index can tell apart
 
@@ -22,6 +24,8 @@ constexpr std::string_view c_readKeywords[] = {"v", "f", "o", "g"};
 constexpr std::string_view c_ignoredKeywords[] = {
     "vn",     "vt",    "vp",       "s",        "l",   "p",  "usemtl",     "mtllib",   "usemap",
     "maplib", "bevel", "c_interp", "d_interp", "lod", "mg", "shadow_obj", "trace_obj"};
+
+std::string shown(std::string_view word) { return Quote(word.substr(0, c_longestWord)); }
 
 template <std::size_t count>
 bool isOneOf(std::string_view word, std::string_view const (&words)[count]) {
@@ -46,7 +50,7 @@ bool parse(std::string_view word, T & value) {
 
 bool isCoordinate(std::string_view word) {
     double value = 0;
-    return parse(word, value) && std::isfinite(static_cast<float>(value));
+    return parse(word, value) && std::fabs(value) <= c_farthest;
 }
 
 // A number, and up to two more behind slashes, which may be left out.
@@ -117,14 +121,14 @@ private:
             checkFace(text);
         else if (!keyword.empty() && keyword.front() != '#' && !isOneOf(keyword, c_readKeywords) &&
                  !isOneOf(keyword, c_ignoredKeywords))
-            fail("the keyword " + Quote(keyword) + " is not known");
+            fail("the keyword " + shown(keyword) + " is not known");
     }
 
     void checkVertex(std::string_view text) {
         for (int i = 0; i < 3; ++i) {
             std::string_view const word = takeWord(text);
             if (!isCoordinate(word))
-                return fail(Quote(word) + " is no coordinate");
+                return fail(shown(word) + " is no coordinate");
         }
     }
 
@@ -132,7 +136,7 @@ private:
         int corners = 0;
         for (std::string_view word = takeWord(text); !word.empty(); word = takeWord(text), ++corners)
             if (!isCorner(word))
-                return fail(Quote(word) + " is no corner of a face");
+                return fail(shown(word) + " is no corner of a face");
         if (corners < 3 || corners > c_mostCorners)
             fail("a face has 3 to " + std::to_string(c_mostCorners) + " corners, not " +
                  std::to_string(corners));

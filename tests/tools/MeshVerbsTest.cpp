@@ -120,7 +120,8 @@ TEST(MeshVerbs, ImportTellsFileAndLine) {
     Case const c_cases[] = {
         {three + "v 1 x 3\n", ":4: \"x\" is no coordinate\n"},
         {three + "v 1 2\n", ":4: \"\" is no coordinate\n"},
-        {three + "v 1e39 nan 0\n", ":4: \"1e39\" is no coordinate\n"},
+        {three + "v -1e18 1e19 0\n", ":4: \"1e19\" is no coordinate\n"},
+        {three + "v 0 nan 0\n", ":4: \"nan\" is no coordinate\n"},
         // every end of line counts
         {"v 0 0 0\rv 1 0 0\r\n\nv 0 1 0\nf 1 2 4\n",
          ":5: the vertex 4 is none of the 3 in front of the face\n"},
@@ -145,6 +146,8 @@ TEST(MeshVerbs, ImportTellsFileAndLine) {
     }
     EXPECT_EQ(folder.ReadFile("a.msh"), "old");
     EXPECT_EQ(RunTool({"mesh", "import", obj, obj}).code, 2);
+    folder.WriteFile("a.obj", three + "f 1 2 3\n");
+    EXPECT_EQ(RunTool({"mesh", "import", obj, folder / "no/a.msh"}).code, 2);
 }
 
 TEST(MeshVerbs, MeshesHaveNoMoreVerticesThanAnIndexTellsApart) {
