@@ -17,6 +17,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <optional>
 #include <thread>
 #include <utility>
 
@@ -100,6 +101,7 @@ constexpr Cue c_cues[] = {
     {5, "F2"},     {5, "F4"},    {30, "F2"}, {30, "F3"},    {55, "F3"},    {55, "F4"}, {55, "F1"},
     {60, "Right"}, {65, "Down"}, {67, "Up"}, {70, "Right"}, {73, "Right"}, {95, "F1"},
 };
+constexpr unsigned int c_closeUpPercent = 90;
 constexpr unsigned int c_picturePercents[] = {2, 25, 50, 80, 100};
 
 // The frame in which a part is over.
@@ -116,6 +118,14 @@ void direct(GameLoop & loop, unsigned int frame, unsigned int frames) {
 bool isPictured(unsigned int frame, unsigned int frames) {
     return std::any_of(std::begin(c_picturePercents), std::end(c_picturePercents),
                        [=](unsigned int percent) { return frameAt(percent, frames) == frame; });
+}
+
+// The last part is a close look at the selected unit.
+void followSelected(GameLoop & loop, Renderer & renderer) {
+    if (std::optional<unsigned int> const unit = loop.View().GetSelected()) {
+        Math::Vector3f const place = loop.View().PlaceOf(*unit);
+        renderer.camera.LookAt({place.x - 22, 17, place.z - 30}, {place.x, 2, place.z});
+    }
 }
 
 // Writes the pictures of a show without a window.
@@ -179,6 +189,8 @@ bool playAlone(Show & show, StepClock & clock, Renderer & renderer, Pictures & p
         if (isPictured(frame, frames))
             good = good && pictures.Take("frame-" + std::to_string(frame));
         direct(show.loop, frame, frames);
+        if (frame >= frameAt(c_closeUpPercent, frames))
+            followSelected(show.loop, renderer);
         return good;
     });
     return good;
