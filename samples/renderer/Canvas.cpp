@@ -3,10 +3,12 @@
 #include "Cross/engine/diagnostics/Trace.h"
 
 #include <algorithm>
+#include <bit>
 #include <cfloat>
 #include <cmath>
 #include <cstddef>
 #include <cstring>
+#include <numeric>
 
 namespace {
 
@@ -200,34 +202,59 @@ void Canvas::place(ImVector<ImDrawVert> const & vertices) {
         places.emplace_back(dots(vertex.pos.x), dots(vertex.pos.y));
 }
 
-// Plain areas go without the texture of the font, which is faster and exact; the rest are letters.
+// Plain areas use the texture of the font too, for a white pixel; the rest of it are letters.
 void Canvas::draw(ImDrawList const & list, ImDrawCmd const & command) {
     auto * const texture = static_cast<SDL_Texture *>(command.GetTexID());
-    auto const isPlainHere = [&](unsigned int triangle) {
-        return texture == fontTexture.get() && isPlain(list, command, triangle);
+    auto const isLetter = [&](unsigned int triangle) {
+        return texture == fontTexture.get() && !isPlain(list, command, triangle);
     };
     unsigned int const triangles = command.ElemCount / 3;
     for (unsigned int first = 0, end = 0; first < triangles; first = end) {
-        bool const plain = isPlainHere(first);
-        for (end = first + 1; end < triangles && isPlainHere(end) == plain;)
+        bool const letters = isLetter(first);
+        for (end = first + 1; end < triangles && isLetter(end) == letters;)
             ++end;
-        draw(plain ? nullptr : texture, list.VtxBuffer.Data + command.VtxOffset, &places[command.VtxOffset],
-             {list.IdxBuffer.Data + command.IdxOffset + first * 3, (end - first) * std::size_t{3}});
+        takeCorners(list, command, first * 3, end * 3);
+        if (letters)
+            drawLetters();
+        else
+            drawAreas(texture == fontTexture.get() ? nullptr : texture);
     }
 }
 
-// SDL looks at every vertex that it is given with a texture, so that it gets only those that are used.
-void Canvas::draw(SDL_Texture * texture, ImDrawVert const * vertices, ImVec2 const * positions,
-                  std::span<ImDrawIdx const> used) {
-    auto const [least, greatest] = std::minmax_element(used.begin(), used.end());
-    ImDrawIdx const base = *least;
+void Canvas::takeCorners(ImDrawList const & list, ImDrawCmd const & command, unsigned int first,
+                         unsigned int end) {
+    corners.clear();
+    for (unsigned int i = first; i < end; ++i) {
+        ImDrawIdx const index = list.IdxBuffer[static_cast<int>(command.IdxOffset + i)];
+        ImDrawVert const & vertex = list.VtxBuffer[static_cast<int>(command.VtxOffset + index)];
+        ImVec2 const & place = places[command.VtxOffset + index];
+        corners.push_back(
+            {{place.x, place.y}, std::bit_cast<SDL_Color>(vertex.col), {vertex.uv.x, vertex.uv.y}});
+    }
+}
+
+// No corner is shared, and yet there are indices: SDL's own drawing takes triangles with common corners, and
+// those without indices, for rectangles too easily, which leaves holes and loses textures. Plain areas go
+// without a texture, which is faster and exact.
+void Canvas::drawAreas(SDL_Texture * texture) {
+    indices.resize(corners.size());
+    std::iota(indices.begin(), indices.end(), 0);
+    drawTriangles(texture);
+}
+
+// Letters are rectangles of two triangles each, and drawn as such they are sharp: the second one shares the
+// first and the last corner of the first one.
+void Canvas::drawLetters() {
     indices.clear();
-    for (ImDrawIdx const index : used)
-        indices.push_back(static_cast<ImDrawIdx>(index - base));
-    check(SDL_RenderGeometryRaw(renderer.get(), texture, &positions[base].x, sizeof(ImVec2),
-                                reinterpret_cast<SDL_Color const *>(&vertices[base].col), sizeof(ImDrawVert),
-                                &vertices[base].uv.x, sizeof(ImDrawVert), *greatest - base + 1,
-                                indices.data(), static_cast<int>(indices.size()), sizeof(ImDrawIdx)));
+    for (int first = 0; first < static_cast<int>(corners.size()); first += 6)
+        for (int const corner : {0, 1, 2, 0, 2, 5})
+            indices.push_back(first + corner);
+    drawTriangles(fontTexture.get());
+}
+
+void Canvas::drawTriangles(SDL_Texture * texture) const {
+    check(SDL_RenderGeometry(renderer.get(), texture, corners.data(), static_cast<int>(corners.size()),
+                             indices.data(), static_cast<int>(indices.size())));
 }
 
 void Canvas::Present() {

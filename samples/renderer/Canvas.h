@@ -12,7 +12,6 @@
 
 #include <map>
 #include <memory>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,8 +82,11 @@ private:
     Owned<SDL_Texture> made(Texture const & texture) const;
     void draw(ImDrawList const & list);
     void draw(ImDrawList const & list, ImDrawCmd const & command);
-    void draw(SDL_Texture * texture, ImDrawVert const * vertices, ImVec2 const * positions,
-              std::span<ImDrawIdx const> used);
+    void takeCorners(ImDrawList const & list, ImDrawCmd const & command, unsigned int first,
+                     unsigned int end);
+    void drawAreas(SDL_Texture * texture);
+    void drawLetters();
+    void drawTriangles(SDL_Texture * texture) const;
     void place(ImVector<ImDrawVert> const & vertices);
 
     // In the order of their making. A picture has a surface, a window has itself and a target.
@@ -99,6 +101,7 @@ private:
     int scale = 1;          // dots along each side of a pixel
     bool wholeDots = false; // SDL itself draws
 
-    std::vector<ImVec2> places;     // of the vertices of a list, in dots
-    std::vector<ImDrawIdx> indices; // of the triangles that are being drawn
+    std::vector<ImVec2> places;      // of the vertices of a list, in dots
+    std::vector<SDL_Vertex> corners; // of the triangles that are being drawn
+    std::vector<int> indices;        // of corners
 };

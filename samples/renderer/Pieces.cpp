@@ -199,8 +199,7 @@ void Pieces::paint(ImDrawList & list, Piece const & piece, float textSize) const
     }
 }
 
-// As a fan of triangles. They share no vertices: SDL's own drawing takes those that do for rectangles where
-// it can, which lose their texture where it has no width or no height.
+// As a fan of triangles.
 void Pieces::paintTextured(ImDrawList & list, Piece const & piece) const {
     int const count = 3 * static_cast<int>(piece.count - 2);
     list.PushTextureID(piece.texture);

@@ -7,6 +7,7 @@
 #include <SDL.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <limits>
@@ -485,6 +486,27 @@ TEST_F(RendererTest, TexturesLieOverMeshesFromAbove) {
     texture.reset();
     texture = textureOf({c_blue, c_grey, c_red, c_green});
     expectShaded(frame(drawBox).At(150, 90), c_blue, c_southLight);
+}
+
+// A wall laid down, many of whose parts have corners that fall together or make rectangles in pixels, and
+// which stands on one row of the texture.
+TEST_F(RendererTest, ATextureOfOneColourLooksLikeNone) {
+    MathPrim::Mesh wall;
+    for (int corner = 0; corner < 20 * 20; ++corner)
+        wall.vertices.push_back({static_cast<float>(corner % 20), static_cast<float>(corner / 20), 0});
+    for (int corner = 0; corner < 20 * 19; ++corner)
+        if (corner % 20 < 19)
+            for (int const next : {0, 20, 21, 0, 21, 1})
+                wall.indices.push_back(static_cast<std::uint16_t>(corner + next));
+    constexpr Colour c_colour = Colour::FromWord(0xFFFF00FF);
+    std::shared_ptr<Texture const> const texture = textureOf({c_colour, c_colour, c_colour, c_colour});
+    renderer->camera.LookAt({0, 15, -19}, {0, 0, 0});
+    for (float x = -6.0f; x < 4.0f; x += 0.7f) {
+        Math::Matrix43f const laid{{{0, 0, 0.25f}, {-0.25f, 0, 0}, {0, 1, 0}, {x + 5.0f, 0, -4}}};
+        EXPECT_EQ(frame([&] { renderer->DrawTextured(wall, laid, texture, "f"); }),
+                  frameOf(DebugRender::Mesh{&wall, laid, c_colour}))
+            << x;
+    }
 }
 
 TEST_F(RendererTest, TexturedMeshesAreSortedWithTheShapesOfTheScene) {
