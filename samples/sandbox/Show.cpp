@@ -99,10 +99,10 @@ struct Cue {
 
 constexpr Cue c_cues[] = {
     {5, "F2"},     {5, "F4"},    {30, "F2"}, {30, "F3"},    {55, "F3"},    {55, "F4"}, {55, "F1"},
-    {60, "Right"}, {65, "Down"}, {67, "Up"}, {70, "Right"}, {73, "Right"}, {95, "F1"},
+    {60, "Right"}, {65, "Down"}, {67, "Up"}, {70, "Right"}, {73, "Right"}, {88, "F2"}, {96, "F1"},
 };
 constexpr unsigned int c_closeUpPercent = 90;
-constexpr unsigned int c_picturePercents[] = {2, 25, 50, 80, 100};
+constexpr unsigned int c_picturePercents[] = {2, 25, 50, 80, 93, 100};
 
 // The frame in which a part is over.
 unsigned int frameAt(unsigned int percent, unsigned int frames) {
