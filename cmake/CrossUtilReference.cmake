@@ -28,4 +28,10 @@ endif()
 if(CROSSUTIL_BUILD_TESTS)
     add_test(NAME docs_reference COMMAND ${build_reference})
     set_tests_properties(docs_reference PROPERTIES SKIP_REGULAR_EXPRESSION "Skipped: ")
+    # Comments that got lost on the way to doxygen would give no warning.
+    if(AWK)
+        add_test(NAME docs_reference_comments
+                 COMMAND sh -c "'${AWK}' -f ../../../docs/reference/comments.awk Plain.h | diff documented.txt -"
+                 WORKING_DIRECTORY "${PROJECT_SOURCE_DIR}/tests/docs/comments")
+    endif()
 endif()

@@ -1,6 +1,7 @@
 # Doxygen's input filter for the headers: turns the house's plain comments into documentation.
 #
-# - The first block of a header is about the file, and, when it begins with "Name:", about the class or namespace of that name, too.
+# - The first block of a header is about the file. It is also about the class or namespace of the file's name, or of the name that it
+#   begins with, as in "Name: ...", where that has no block of its own.
 # - A block right above a declaration is about it, and about the overloads that follow without a blank line.
 # - A comment behind a declaration is about it.
 #
@@ -71,8 +72,20 @@ function is_between_declarations() { return bodies == 0 && head ~ /^ *((public|p
 # What a line declares: the name in front of its first bracket.
 function function_name(code) { return match(code, /[A-Za-z0-9_~]+\(/) ? substr(code, RSTART, RLENGTH - 1) : "" }
 
-# A line of code, with the block above it, if any.
+# Whether a line begins the class or namespace that the lead is about.
+function is_subject(code) {
+    if (code ~ /;$/ || !sub(/^(class|struct|namespace) ([A-Z_]+_API )?/, "", code))
+        return 0
+    sub(/[^A-Za-z0-9_].*/, "", code)
+    return code == subject || FILENAME ~ ("/" code "\\.h$")
+}
+
+# A line of code, with the block above it, if any. The parameters of a template wait for the line that they belong to.
 function take_code(line,    at, comment, code, i) {
+    if (line ~ /^ *template <.*>$/ && is_between_declarations()) {
+        parameters = line
+        return
+    }
     code = line
     comment = ""
     at = match(line, / \/\/ /)
@@ -90,12 +103,17 @@ function take_code(line,    at, comment, code, i) {
         }
         if (documented && (held || (documented_name != "" && documented_name == function_name(code))))
             print_doc(doc, documented)
-        else if (subject != "" && code ~ "^(class|struct|namespace) ([A-Z_]+_API )?" subject "($|[^A-Za-z0-9_:;])" && code !~ /;$/)
+        else if (is_subject(code))
             print_doc(lead, leads)
     } else {
         print_plain()
     }
     held = 0
+    if (parameters != "") {
+        print parameters
+        read_code(parameters)
+        parameters = ""
+    }
     read_code(code)
     if (comment != "" && bodies == 0 && code ~ /[;,A-Za-z0-9_]$/ && head !~ /\(/)
         print code " ///<" escaped(comment)
