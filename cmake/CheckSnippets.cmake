@@ -1,7 +1,8 @@
 # Checks that the C++ blocks of the guides are the code they claim to be: cmake -D ROOT=. -P cmake/CheckSnippets.cmake
 #
 # In a guide, docs/*.md and README.md, each ```cpp block stands right below a line "<!-- [name] -->". In a source, tests/docs/*.cpp, the
-# same code stands between two lines "// [name]", indented as they are. Blank lines at its ends do not count.
+# same code stands between two lines "// [name]", indented as they are. Blank lines at its ends do not count. A block below a line
+# "<!-- [FOLDER/FILE] -->" stands in that file of the tree as it is.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -55,10 +56,30 @@ function(check_guide guide)
     endwhile()
 endfunction()
 
+# Blocks that are quoted from a file of the tree.
+function(check_quotes guide)
+    file(READ "${guide}" rest)
+    while(rest MATCHES "<!-- \\[([a-z_/]+/[A-Za-z_]+\\.[a-z]+)\\] -->\n```[a-z]+\n")
+        set(name "${CMAKE_MATCH_1}")
+        string(FIND "${rest}" "${CMAKE_MATCH_0}" begin)
+        string(LENGTH "${CMAKE_MATCH_0}" length)
+        math(EXPR begin "${begin} + ${length}")
+        string(SUBSTRING "${rest}" ${begin} -1 rest)
+        string(FIND "${rest}" "```" length)
+        string(SUBSTRING "${rest}" 0 ${length} block)
+        file(READ "${ROOT}/${name}" text)
+        string(FIND "${text}" "${block}" place)
+        if(place EQUAL -1)
+            message(SEND_ERROR "${guide}: this does not stand in ${name}:\n${block}")
+        endif()
+    endwhile()
+endfunction()
+
 file(GLOB guides "${ROOT}/docs/*.md" "${ROOT}/README.md")
 if(NOT guides)
     message(FATAL_ERROR "No guides in ${ROOT}/docs")
 endif()
 foreach(guide IN LISTS guides)
     check_guide("${guide}")
+    check_quotes("${guide}")
 endforeach()

@@ -64,7 +64,8 @@ TEST(DeterminismGuide, RecordAndPrint) {
     block.Print("sync-left"); // log:sync-left.(time).txt
     // [print]
     EXPECT_NE(
-        folder.ReadFile(path + 4).find("Sim: \n"
+        folder.ReadFile(path + 4).find("Total CRC: [ bcd6ada7 ]\n"
+                                       "Sim: \n"
                                        "{\n"
                                        "  frame: [ 137 ]\n"
                                        "  unit: \n"
