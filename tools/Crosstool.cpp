@@ -1,13 +1,18 @@
-#include "tools/Verbs.h"
+#include "tools/AddVerb.h"
+#include "tools/Quote.h"
 
 #include "Cross/engine/diagnostics/Trace.h"
-
-#include <CLI/CLI.hpp>
 
 #include <string>
 #include <vector>
 
 namespace {
+
+constexpr char const * c_guide =
+    "The first line of the output is the verdict. Exit codes: 0 good, 1 a finding (damage, a difference),\n"
+    "2 could not be done; the reason is on standard error then, behind \"failed: \".\n"
+    "Many verbs take --json: they print one JSON object, whose first entry is \"verdict\".\n"
+    "Help for a verb: crosstool GROUP VERB --help";
 
 // Holds the trace back, so that the verdict stays the first line.
 class HeldTrace {
@@ -32,13 +37,20 @@ private:
     std::vector<std::string> lines;
 };
 
-ExitCode parseAndRun(int argc, char const * const * argv, Output const & output) {
-    CLI::App app(
-        "Works with the files of the library. Exit codes: 0 good, 1 a finding (damage, a difference), "
-        "2 could not be done.",
-        "crosstool");
+// The name that the usage shows for what comes next on the line.
+void nameNext(CLI::App & app, char const * next) {
+    auto const formatter = std::make_shared<CLI::Formatter>();
+    formatter->label("SUBCOMMAND", next);
+    formatter->label("Positionals", "Arguments");
+    app.formatter(formatter);
+}
+
+void addGroups(CLI::App & app, Job & job) {
+    app.name("crosstool");
+    app.description("Works with the files of the library.");
+    app.footer(c_guide);
     app.require_subcommand(1);
-    Job job;
+    nameNext(app, "VERB"); // groups take this over
     AddTableVerbs(app, job);
     AddScriptVerbs(app, job);
     AddSyncVerbs(app, job);
@@ -49,6 +61,26 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
     AddTargaVerbs(app, job);
     AddMeshVerbs(app, job);
     AddChunkVerbs(app, job);
+    nameNext(app, "GROUP VERB");
+}
+
+// The group or verb that parsing came to.
+CLI::App const & lastOn(CLI::App const & app) {
+    auto const next = app.get_subcommands();
+    return next.empty() ? app : lastOn(*next.front());
+}
+
+std::string whatIsWrong(CLI::App const & app, CLI::ParseError const & error) {
+    if (lastOn(app).get_subcommands({}).empty())
+        return error.what();
+    auto const rest = app.remaining(true);
+    return rest.empty() ? "a group or a verb is missing" : Quote(rest.front()) + " is not known here";
+}
+
+ExitCode parseAndRun(int argc, char const * const * argv, Output const & output) {
+    Job job;
+    CLI::App app;
+    addGroups(app, job);
     try {
         app.parse(argc, argv);
     } catch (CLI::ParseError const & error) {
@@ -56,7 +88,7 @@ ExitCode parseAndRun(int argc, char const * const * argv, Output const & output)
             app.exit(error, output.out, output.err);
             return exitGood;
         }
-        output.err << "failed: " << error.what() << "\n\n" << app.help();
+        output.err << "failed: " << whatIsWrong(app, error) << "\n\n" << app.help();
         return exitFailed;
     }
     return job(output);
