@@ -1,4 +1,5 @@
 #include "tools/AddVerb.h"
+#include "tools/Guides.h"
 #include "tools/Quote.h"
 
 #include "Cross/engine/diagnostics/Trace.h"
@@ -45,6 +46,16 @@ void nameNext(CLI::App & app, char const * next) {
     app.formatter(formatter);
 }
 
+// Adds a verb for the build, which help does not show.
+void addGuide(CLI::App & app, Job & job, char const * name, std::string (*guide)(CLI::App const &)) {
+    app.add_subcommand(name)->group("")->callback([&app, &job, guide] {
+        job = [&app, guide](Output const & output) {
+            output.out << guide(app);
+            return exitGood;
+        };
+    });
+}
+
 void addGroups(CLI::App & app, Job & job) {
     app.name("crosstool");
     app.description("Works with the files of the library.");
@@ -61,6 +72,8 @@ void addGroups(CLI::App & app, Job & job) {
     AddTargaVerbs(app, job);
     AddMeshVerbs(app, job);
     AddChunkVerbs(app, job);
+    addGuide(app, job, "man", ManualPage);
+    addGuide(app, job, "completion", BashCompletion);
     nameNext(app, "GROUP VERB");
 }
 

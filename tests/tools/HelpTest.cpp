@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <iterator>
 
@@ -37,6 +40,16 @@ std::vector<std::string> allHelp() {
 }
 
 std::string const c_example = "\nExample: crosstool ";
+
+// What a command for the shell prints.
+std::string outputOf(std::string const & command) {
+    FILE * const pipe = popen(command.c_str(), "r");
+    std::string text;
+    for (std::array<char, 256> part; std::fgets(part.data(), part.size(), pipe);)
+        text += part.data();
+    EXPECT_EQ(pclose(pipe), 0) << command;
+    return text;
+}
 
 class Help : public testing::Test {
 protected:
@@ -107,4 +120,35 @@ TEST_F(Help, WrongCommandLinesTellWhatIsWrong) {
         EXPECT_EQ(refused.out, "") << reason;
         EXPECT_EQ(refused.err.find("failed: " + reason + "\n\n"), 0u) << refused.err;
     }
+}
+
+TEST_F(Help, TheManualPageIsWellFormed) {
+    std::string const page = RunTool({"man"}).out;
+    for (std::string const & help : allHelp())
+        EXPECT_NE(page.find(".SS \"" + wordsOf(help.substr(help.find("crosstool ") + 10)).front()),
+                  std::string::npos)
+            << help;
+    EXPECT_NE(page.find("\n.TP\n.B \\-\\-names FILE\n"), std::string::npos);
+    if (std::system("command -v man > /dev/null") != 0)
+        GTEST_SKIP() << "no man to check it further";
+    folder.WriteFile("crosstool.1", page);
+    EXPECT_EQ(outputOf("man --warnings -l ./crosstool.1 2>&1 > /dev/null"), "");
+}
+
+TEST_F(Help, BashCompletesGroupsVerbsAndOptions) {
+    folder.WriteFile("completion", RunTool({"completion"}).out);
+    folder.WriteFile("try", "source ./completion\n"
+                            "try() {\n"
+                            "    COMP_WORDS=(crosstool \"$@\") COMP_CWORD=$# COMPREPLY=()\n"
+                            "    _crosstool\n"
+                            "    echo \"$*: ${COMPREPLY[*]}\"\n"
+                            "}\n"
+                            "try s\ntry tga ''\ntry image ''\ntry table dump --\ntry table dump tank\n"
+                            "complete -p crosstool\n");
+    EXPECT_EQ(outputOf("bash ./try 2>&1"), "s: script sync settings stats\n"
+                                           "tga : info verify topng frompng resave --help\n"
+                                           "image : \n"
+                                           "table dump --: --help --names --json\n"
+                                           "table dump tank: \n" // files then
+                                           "complete -o default -F _crosstool crosstool\n");
 }
