@@ -1,9 +1,11 @@
 #include "tools/AddVerb.h"
 #include "tools/Guides.h"
+#include "tools/Progress.h"
 #include "tools/Quote.h"
 
 #include "Cross/engine/diagnostics/Trace.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -128,8 +130,12 @@ ExitCode Fail(Output const & output, Lines const & reasons) {
     return exitFailed;
 }
 
-int RunCrosstool(int argc, char const * const * argv, std::ostream & out, std::ostream & err) {
+int RunCrosstool(int argc, char const * const * argv, std::ostream & out, std::ostream & err,
+                 std::ostream * terminal) {
     HeldTrace trace;
+    std::optional<Progress> progress;
+    if (terminal)
+        progress.emplace(*terminal, out, err);
     ExitCode const code = runGuarded(argc, argv, Output{out, err});
     trace.Print(err);
     // A full disk or a closed pipe must not pass for a good end.
