@@ -1,6 +1,7 @@
 #include "tools/ChunkList.h"
 
 #include "tools/ChunkValues.h"
+#include "tools/NumberText.h"
 
 #include "Cross/engine/core/Text.h"
 
@@ -62,7 +63,8 @@ private:
     void addNext() {
         std::uint32_t words[HW_COUNT];
         if (!values.Read(words, HW_COUNT))
-            return addPiece("the " + std::to_string(values.Left()) + " bytes left are too few for a chunk");
+            return addPiece("the " + CountText(values.Left(), "byte left is", "bytes left are") +
+                            " too few for a chunk");
         if (words[HW_KIND] != Chunky::CK_FOLDER && words[HW_KIND] != Chunky::CK_DATA)
             return addPiece("kind " + std::to_string(words[HW_KIND]) + " is neither folder nor data");
         if (words[HW_NAME_LENGTH] > values.Left())
@@ -109,7 +111,7 @@ private:
 
     std::string exceedingText(char const * what, std::uint32_t size) const {
         return std::string(what) + ' ' + std::to_string(size) + " exceeds the " +
-               std::to_string(values.Left()) + " bytes left";
+               CountText(values.Left(), "byte", "bytes") + " left";
     }
 
     ChunkValues values;

@@ -166,7 +166,7 @@ private:
 
     bool noteFloats(std::string const & name, int count) {
         float numbers[3];
-        return noteValues(name, numbers, count, FloatText);
+        return noteValues(name, numbers, count, FloatText<float>);
     }
 
     bool noteText(char const * name) {
@@ -174,7 +174,7 @@ private:
         std::string text;
         if (!values.ReadText(text))
             return false;
-        note({begin, c_wordSize, std::string(name) + " of " + std::to_string(text.size()) + " bytes"});
+        note({begin, c_wordSize, std::string(name) + " of " + CountText(text.size(), "byte", "bytes")});
         if (!text.empty())
             noteFrom(begin + c_wordSize, Quote(text));
         return true;

@@ -145,15 +145,13 @@ ExitCode list(ListArguments const & arguments, Output const & output) {
 } // namespace
 
 void AddChunkVerbs(CLI::App & app, Job & job) {
-    CLI::App & chunk = *app.add_subcommand("chunk", "Chunk files of any content");
-    chunk.require_subcommand(1);
-    chunk.footer("Example: crosstool chunk list tank.msh --hex");
-    CLI::App & verb = *chunk.add_subcommand(
-        "list", "Print the tree of chunks, of damaged files as far as it goes; 1 for damage");
-    auto const arguments = AddVerb(verb, job, list);
+    CLI::App & chunk = AddGroup(app, "chunk", "Chunk files of any content");
+    CLI::App & verb =
+        AddVerb(chunk, "list", "Print the tree of chunks, of damaged files as far as it goes; 1 for damage",
+                "tank.msh --hex");
+    auto const arguments = SetWork(verb, job, list);
     AddFile(verb, "FILE", arguments->file, "The chunk file");
-    CLI::Option * const json = verb.add_flag("--json", arguments->asJson, "Print JSON");
+    CLI::Option * const json = AddJson(verb, arguments->asJson);
     verb.add_flag("--hex", arguments->asHex, "Print every byte of the file and what it means")
         ->excludes(json);
-    verb.footer("Example: crosstool chunk list tank.msh --hex");
 }

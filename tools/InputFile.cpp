@@ -1,5 +1,7 @@
 #include "tools/InputFile.h"
 
+#include "tools/Progress.h"
+
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
 
 #include <filesystem>
@@ -25,7 +27,7 @@ ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string
     ByteStreamProxy stream(FilePathHDRaw::UnaliasedFileOpen(path.c_str(), c_streamRead, false));
     if (!stream)
         findings.push_back(path + ": " + whyNotOpen(path));
-    return stream;
+    return Progress::Watch(stream);
 }
 
 bool IsSameFile(std::string const & left, std::string const & right) {

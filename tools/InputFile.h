@@ -7,7 +7,8 @@
 #include <string>
 #include <vector>
 
-// Opens a file by its plain path. Empty, with the reason in `findings`, when it cannot be opened.
+// Opens a file by its plain path; reading it counts as progress. Empty, with the reason in `findings`, when
+// it cannot be opened.
 ByteStreamProxy OpenForReading(std::string const & path, std::vector<std::string> & findings);
 
 // Whether two paths lead to one existing file, which a verb would then overwrite.

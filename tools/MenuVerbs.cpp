@@ -3,45 +3,61 @@
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
+#include "tools/Json.h"
 #include "tools/MenuLint.h"
 
 #include <ostream>
 
 namespace {
 
-ExitCode lint(std::string const & file, Output const & output) {
+void printText(MenuReport const & report, std::string const & file, std::ostream & out) {
+    std::string const content = file + ": " + CountText(report.menus, "menu", "menus") + ", " +
+                                CountText(report.lines, "line", "lines");
+    if (report.findings.empty())
+        out << "good: " << content << '\n';
+    else
+        out << CountText(report.findings.size(), "finding: ", "findings: ") << content << " load\n";
+    for (MenuReport::Finding const & finding : report.findings)
+        out << file << ": " << finding.path << (finding.path.empty() ? "" : ": ") << finding.reason << '\n';
+}
+
+void printJson(MenuReport const & report, std::string const & file, std::ostream & out) {
+    std::vector<JsonObject> findings;
+    for (MenuReport::Finding const & finding : report.findings)
+        findings.push_back(JsonObject().Add("path", finding.path).Add("reason", finding.reason));
+    out << JsonObject()
+               .Add("verdict", findings.empty() ? "good" : "findings")
+               .Add("file", file)
+               .Add("menus", report.menus)
+               .Add("lines", report.lines)
+               .Add("findings", findings)
+               .Text()
+        << '\n';
+}
+
+ExitCode lint(FileArguments const & arguments, Output const & output) {
     Lines reasons;
-    ByteStreamProxy const stream = OpenForReading(file, reasons);
+    ByteStreamProxy const stream = OpenForReading(arguments.file, reasons);
     if (!stream)
         return Fail(output, reasons);
     LuaConfig state("menu", true); // menus are loaded by the game's scripts
     CheatMenu::RegisterLua(state);
     if (!LuaConfigSave::LoadLua(state, *stream))
-        return Fail(output, {file + ": is no menu file that runs"});
+        return Fail(output, {arguments.file + ": is no menu file that runs"});
     MenuReport const report = LintMenu(state);
-    std::string const content =
-        std::to_string(report.menus) + " menus, " + std::to_string(report.lines) + " lines";
-    if (report.findings.empty()) {
-        output.out << "good: " << file << ": " << content << '\n';
-        return exitGood;
-    }
-    output.out << report.findings.size() << " findings: " << file << ": " << content << " load\n";
-    for (MenuReport::Finding const & finding : report.findings)
-        output.out << file << ": " << finding.path << (finding.path.empty() ? "" : ": ") << finding.reason
-                   << '\n';
-    return exitFinding;
+    (arguments.asJson ? printJson : printText)(report, arguments.file, output.out);
+    return report.findings.empty() ? exitGood : exitFinding;
 }
 
 } // namespace
 
 void AddMenuVerbs(CLI::App & app, Job & job) {
-    CLI::App & menu = *app.add_subcommand("menu", "Menus for developers");
-    menu.require_subcommand(1);
-    menu.footer("Example: crosstool menu lint cheatmenu.lua");
-    CLI::App & verb = *menu.add_subcommand(
-        "lint", "Run a menu file and list every line that loading drops and every \"set\" that "
-                "is never run, and why; 1 when there is one");
-    auto const file = AddVerb(verb, job, lint);
-    AddFile(verb, "FILE", *file, "A script that leaves a table SubMenuItems");
-    verb.footer("Example: crosstool menu lint cheatmenu.lua");
+    CLI::App & menu = AddGroup(app, "menu", "Menus for developers");
+    CLI::App & verb = AddVerb(
+        menu, "lint",
+        "List every line that loading drops, every \"set\" that never runs, and why; 1 when there is one",
+        "cheatmenu.lua");
+    auto const arguments = SetWork(verb, job, lint);
+    AddFile(verb, "FILE", arguments->file, "A script that leaves a table SubMenuItems; it is run");
+    AddJson(verb, arguments->asJson);
 }

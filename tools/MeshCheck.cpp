@@ -253,7 +253,8 @@ private:
 
     void checkEnd(char const * what) {
         if (values.Left() > 0)
-            find(values.Position(), "%u bytes follow behind %s", values.Left(), what);
+            find(values.Position(), "%s behind %s",
+                 CountText(values.Left(), "byte follows", "bytes follow").c_str(), what);
     }
 
     // Meshes that have one volume in their file lie in it.

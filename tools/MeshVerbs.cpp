@@ -1,7 +1,7 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
+#include "tools/Json.h"
 #include "tools/MeshCheck.h"
-#include "tools/NumberText.h"
 #include "tools/ObjSource.h"
 #include "tools/OutputFile.h"
 #include "tools/Quote.h"
@@ -46,34 +46,6 @@ bool openFile(std::string const & file, MeshReport & report, Lines & reasons) {
     return static_cast<bool>(stream);
 }
 
-ExitCode verify(std::string const & file, Output const & output) {
-    MeshReport report;
-    Lines reasons;
-    if (!openFile(file, report, reasons))
-        return Fail(output, reasons);
-    if (report.findings.empty()) {
-        output.out << "good: " << file << ": " << report.Summary() << '\n';
-        return exitGood;
-    }
-    PrintLines(output.out, "damaged: ", report.Lines(file));
-    return exitFinding;
-}
-
-ExitCode importObj(ImportArguments const & arguments, Output const & output) {
-    if (IsSameFile(arguments.source, arguments.target))
-        return Fail(output, {arguments.target + ": would overwrite the source"});
-    Lines reasons;
-    std::string text;
-    if (!ReadWholeFile(arguments.source, text, reasons))
-        return Fail(output, reasons);
-    auto const meshes = ReadObj(arguments.source, text, reasons);
-    if (!reasons.empty())
-        return Fail(output, reasons);
-    if (!WriteWholeFile(arguments.target, fileOf(meshes)))
-        return Fail(output, {arguments.target + ": cannot be written"});
-    return verify(arguments.target, output);
-}
-
 std::string vectorText(Vector3f const & vector) {
     return FloatText(vector.x) + ' ' + FloatText(vector.y) + ' ' + FloatText(vector.z);
 }
@@ -116,14 +88,73 @@ void printMesh(MeshReport::Mesh const & mesh, std::ostream & out) {
     out << '\n';
 }
 
-ExitCode info(std::string const & file, Output const & output) {
+std::vector<float> numbersOf(Vector3f const & vector) { return {vector.x, vector.y, vector.z}; }
+
+JsonObject volumeJson(BoundVolume const & volume) {
+    MathPrim::OBBf const & box = volume.GetOBB();
+    std::vector<std::vector<float>> axes;
+    for (Vector3f const & axis : box.rotation.rows)
+        axes.push_back(numbersOf(axis));
+    return JsonObject()
+        .Add("valid", volume.IsValid())
+        .Add("centre", numbersOf(box.center))
+        .Add("extents", numbersOf(box.extents))
+        .Add("axes", axes);
+}
+
+JsonObject meshJson(MeshReport::Mesh const & mesh) {
+    return JsonObject()
+        .Add("name", mesh.name)
+        .Add("vertices", mesh.mesh.vertices.size())
+        .Add("triangles", mesh.mesh.indices.size() / 3)
+        .Add("coinciding", countFlat(mesh.mesh));
+}
+
+void printJson(MeshReport const & report, std::string const & file, std::ostream & out) {
+    std::vector<JsonObject> findings, volumes, meshes;
+    for (MeshReport::Finding const & finding : report.findings)
+        findings.push_back(JsonObject().Add("offset", finding.offset).Add("reason", finding.reason));
+    for (BoundVolume const & volume : report.volumes)
+        volumes.push_back(volumeJson(volume));
+    for (MeshReport::Mesh const & mesh : report.meshes)
+        meshes.push_back(meshJson(mesh));
+    out << JsonObject()
+               .Add("verdict", findings.empty() ? "good" : "damaged")
+               .Add("file", file)
+               .Add("findings", findings)
+               .Add("volumes", volumes)
+               .Add("meshes", meshes)
+               .Add("otherChunks", report.otherChunks)
+               .Text()
+        << '\n';
+}
+
+ExitCode verify(FileArguments const & arguments, Output const & output) {
     MeshReport report;
     Lines reasons;
-    if (!openFile(file, report, reasons))
+    if (!openFile(arguments.file, report, reasons))
+        return Fail(output, reasons);
+    if (arguments.asJson)
+        printJson(report, arguments.file, output.out);
+    else if (report.findings.empty())
+        output.out << "good: " << arguments.file << ": " << report.Summary() << '\n';
+    else
+        PrintLines(output.out, "damaged: ", report.Lines(arguments.file));
+    return report.findings.empty() ? exitGood : exitFinding;
+}
+
+ExitCode info(FileArguments const & arguments, Output const & output) {
+    MeshReport report;
+    Lines reasons;
+    if (!openFile(arguments.file, report, reasons))
         return Fail(output, reasons);
     if (!report.findings.empty())
-        return Fail(output, report.Lines(file));
-    output.out << "good: " << file << ": " << report.Summary() << '\n';
+        return Fail(output, report.Lines(arguments.file));
+    if (arguments.asJson) {
+        printJson(report, arguments.file, output.out);
+        return exitGood;
+    }
+    output.out << "good: " << arguments.file << ": " << report.Summary() << '\n';
     for (BoundVolume const & volume : report.volumes)
         printVolume(volume, output.out);
     for (MeshReport::Mesh const & mesh : report.meshes)
@@ -131,29 +162,42 @@ ExitCode info(std::string const & file, Output const & output) {
     return exitGood;
 }
 
+ExitCode importObj(ImportArguments const & arguments, Output const & output) {
+    if (IsSameFile(arguments.source, arguments.target))
+        return Fail(output, {arguments.target + ": would overwrite the source"});
+    Lines reasons;
+    std::string text;
+    if (!ReadWholeFile(arguments.source, text, reasons))
+        return Fail(output, reasons);
+    auto const meshes = ReadObj(arguments.source, text, reasons);
+    if (!reasons.empty())
+        return Fail(output, reasons);
+    if (!WriteWholeFile(arguments.target, fileOf(meshes)))
+        return Fail(output, {arguments.target + ": cannot be written"});
+    return verify({arguments.target, false}, output);
+}
+
 void addImport(CLI::App & mesh, Job & job) {
     CLI::App & verb =
-        *mesh.add_subcommand("import", "Turn an OBJ file into meshes of triangles and their bound volume");
-    auto const arguments = AddVerb(verb, job, importObj);
+        AddVerb(mesh, "import", "Turn an OBJ file into meshes of triangles and their bound volume",
+                "tank.obj tank.msh");
+    auto const arguments = SetWork(verb, job, importObj);
     AddFile(verb, "IN", arguments->source, "The OBJ file; a mesh per object or group");
     AddFile(verb, "OUT", arguments->target, "The chunk file to write; the old one stays when that fails");
-    verb.footer("Example: crosstool mesh import tank.obj tank.msh");
 }
 
 void addOne(CLI::App & mesh, Job & job, char const * name, char const * description,
-            ExitCode (*work)(std::string const &, Output const &)) {
-    CLI::App & verb = *mesh.add_subcommand(name, description);
-    auto const file = AddVerb(verb, job, work);
-    AddFile(verb, "FILE", *file, "A chunk file with meshes, bound volumes or both");
-    verb.footer(std::string("Example: crosstool mesh ") + name + " tank.msh");
+            ExitCode (*work)(FileArguments const &, Output const &)) {
+    CLI::App & verb = AddVerb(mesh, name, description, "tank.msh");
+    auto const arguments = SetWork(verb, job, work);
+    AddFile(verb, "FILE", arguments->file, "A chunk file with meshes, bound volumes or both");
+    AddJson(verb, arguments->asJson);
 }
 
 } // namespace
 
 void AddMeshVerbs(CLI::App & app, Job & job) {
-    CLI::App & mesh = *app.add_subcommand("mesh", "Meshes and bound volumes");
-    mesh.require_subcommand(1);
-    mesh.footer("Example: crosstool mesh info tank.msh");
+    CLI::App & mesh = AddGroup(app, "mesh", "Meshes and bound volumes");
     addImport(mesh, job);
     addOne(mesh, job, "info", "Print the meshes and bound volumes of a file", info);
     addOne(mesh, job, "verify", "Check meshes and bound volumes to the last byte; 1 for damage", verify);

@@ -3,10 +3,11 @@
 // Numbers for people.
 
 #include <charconv>
+#include <concepts>
 #include <string>
 
 // The shortest digits that give the value back.
-inline std::string FloatText(float value) {
+std::string FloatText(std::floating_point auto value) {
     char digits[32];
     std::to_chars_result const end = std::to_chars(digits, digits + sizeof(digits), value);
     return std::string(digits, end.ptr);

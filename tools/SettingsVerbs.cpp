@@ -4,7 +4,7 @@
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
-#include "tools/Quote.h"
+#include "tools/Json.h"
 
 #include <algorithm>
 #include <array>
@@ -15,8 +15,7 @@
 
 namespace {
 
-struct ExplainArguments {
-    std::string file;
+struct ExplainArguments : FileArguments {
     Lines options;
 };
 
@@ -95,6 +94,8 @@ void applyOptions(SystemConfig const & config, std::vector<Setting> & settings) 
     }
 }
 
+char const * kindText(Setting const & setting) { return setting.type == 1 ? "switch" : "number"; }
+
 std::string optionText(std::string const & name) {
     int number = 0;
     if (Plat::Options::Get(name.c_str(), number))
@@ -126,25 +127,75 @@ void printSettings(std::vector<Setting> const & settings, std::ostream & out) {
     printRow(out, {"setting", "kind", "file", "option", "effective", "memory"});
     out << '\n';
     for (Setting const & setting : settings) {
-        printRow(out, {Quote(setting.name), setting.type == 1 ? "switch" : "number",
-                       valueText(setting.fileValue), optionText(setting.name), valueText(setting.value),
+        printRow(out, {Quote(setting.name), kindText(setting), valueText(setting.fileValue),
+                       optionText(setting.name), valueText(setting.value),
                        std::to_string(setting.kilobytes) + " KB"});
         out << (setting.value != setting.fileValue ? "  differs from the file\n" : "\n");
     }
 }
 
-void printTotals(SystemConfig const & config, std::vector<Setting> const & settings, std::ostream & out) {
+struct Totals {
+    std::uint64_t cost, base, driver, overflow; // kilobytes
+};
+
+Totals totalsOf(SystemConfig const & config, std::vector<Setting> const & settings) {
     std::uint64_t cost = 0;
     for (Setting const & setting : settings)
         cost += setting.kilobytes;
-    std::uint64_t const base = config.GetEstimatedBaseMemoryUsage();
-    std::uint64_t const driver = config.GetEstimatedD3D10MemoryUsage();
-    std::uint64_t const overflow = config.GetAllowableOverflow();
-    out << "settings: " << cost << " KB\n"
-        << "application: " << base << " KB, with the settings " << base + cost << " KB\n"
-        << "graphics driver: " << driver << " KB, with all of it " << base + cost + driver << " KB\n"
-        << "allowable overflow: " << overflow << " KB, "
-        << (cost > overflow ? "less than the settings cost\n" : "enough for the settings\n");
+    return {cost, config.GetEstimatedBaseMemoryUsage(), config.GetEstimatedD3D10MemoryUsage(),
+            config.GetAllowableOverflow()};
+}
+
+void printTotals(Totals const & totals, std::ostream & out) {
+    std::uint64_t const used = totals.base + totals.cost;
+    out << "settings: " << totals.cost << " KB\n"
+        << "application: " << totals.base << " KB, with the settings " << used << " KB\n"
+        << "graphics driver: " << totals.driver << " KB, with all of it " << used + totals.driver << " KB\n"
+        << "allowable overflow: " << totals.overflow << " KB, "
+        << (totals.cost > totals.overflow ? "less than the settings cost\n" : "enough for the settings\n");
+}
+
+void printText(std::vector<Setting> const & settings, Totals const & totals, std::string const & file,
+               std::ostream & out) {
+    auto const differing = std::count_if(settings.begin(), settings.end(), [](Setting const & setting) {
+        return setting.value != setting.fileValue;
+    });
+    out << "good: " << file << ": " << CountText(settings.size(), "setting", "settings") << ", "
+        << CountText(static_cast<std::size_t>(differing), "differs", "differ") << " from the file\n";
+    printSettings(settings, out);
+    printTotals(totals, out);
+}
+
+std::optional<std::uint32_t> knownValue(std::uint32_t value) {
+    return value == SystemConfig::NOT_SET ? std::nullopt : std::optional(value);
+}
+
+JsonObject settingJson(Setting const & setting) {
+    return JsonObject()
+        .Add("name", setting.name)
+        .Add("kind", kindText(setting))
+        .Add("file", knownValue(setting.fileValue))
+        .Add("option", optionText(setting.name))
+        .Add("effective", knownValue(setting.value))
+        .Add("kilobytes", setting.kilobytes);
+}
+
+void printJson(std::vector<Setting> const & settings, Totals const & totals, std::string const & file,
+               std::ostream & out) {
+    std::vector<JsonObject> list;
+    for (Setting const & setting : settings)
+        list.push_back(settingJson(setting));
+    out << JsonObject()
+               .Add("verdict", "good")
+               .Add("file", file)
+               .Add("settings", list)
+               .Add("kilobytes", JsonObject()
+                                     .Add("settings", totals.cost)
+                                     .Add("application", totals.base)
+                                     .Add("driver", totals.driver)
+                                     .Add("overflow", totals.overflow))
+               .Text()
+        << '\n';
 }
 
 ExitCode explain(ExplainArguments const & arguments, Output const & output) {
@@ -156,28 +207,24 @@ ExitCode explain(ExplainArguments const & arguments, Output const & output) {
     std::vector<Setting> settings = settingsOf(config);
     CommandLine const line(arguments.options);
     applyOptions(config, settings);
-    auto const differing = std::count_if(settings.begin(), settings.end(), [](Setting const & setting) {
-        return setting.value != setting.fileValue;
-    });
-    output.out << "good: " << arguments.file << ": " << settings.size() << " settings, " << differing
-               << " differ from the file\n";
-    printSettings(settings, output.out);
-    printTotals(config, settings, output.out);
+    (arguments.asJson ? printJson : printText)(settings, totalsOf(config, settings), arguments.file,
+                                               output.out);
     return exitGood;
 }
 
 } // namespace
 
 void AddSettingsVerbs(CLI::App & app, Job & job) {
-    CLI::App & settings = *app.add_subcommand("settings", "System settings");
-    settings.require_subcommand(1);
-    settings.footer("Example: crosstool settings explain sysconfig.lua -tanks=12");
-    CLI::App & verb = *settings.add_subcommand(
-        "explain",
-        "Per setting the value of the file, the option behind FILE, what counts, and what it costs");
-    auto const arguments = AddVerb(verb, job, explain);
-    AddFile(verb, "FILE", arguments->file, "A settings file, such as sysconfig.lua");
-    verb.prefix_command(); // what follows the file are options of the game
+    CLI::App & settings = AddGroup(app, "settings", "System settings");
+    CLI::App & verb =
+        AddVerb(settings, "explain",
+                "Print per setting the value of the file, the option of the game, what counts and its cost",
+                "sysconfig.lua -tanks=12");
+    auto const arguments = SetWork(verb, job, explain);
+    AddFile(verb, "FILE", arguments->file,
+            "A settings file, such as sysconfig.lua; options of the game may follow");
+    AddJson(verb, arguments->asJson);
+    verb.set_help_flag("--help", "Print this help message and exit"); // -h may begin an option of the game
+    verb.prefix_command();
     verb.parse_complete_callback([&verb, arguments] { arguments->options = verb.remaining(); });
-    verb.footer("Example: crosstool settings explain sysconfig.lua -tanks=12");
 }

@@ -1,6 +1,7 @@
 #include "tools/StatsLog.h"
 
 #include "tools/LineReader.h"
+#include "tools/NumberText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -116,8 +117,9 @@ private:
         if (!hasNames)
             log.notes.push_back("the row of names is missing, as after a crash: channels are numbered");
         else if (names.size() != log.channels.size())
-            note("has " + std::to_string(names.size()) + " names for " + std::to_string(log.channels.size()) +
-                 " channels, as when one holds a comma: they are numbered");
+            note("has " + CountText(names.size(), "name", "names") + " for " +
+                 CountText(log.channels.size(), "channel", "channels") +
+                 ", as when one holds a comma: they are numbered");
         bool const areUsable = names.size() == log.channels.size();
         for (std::size_t i = 0; i < log.channels.size(); ++i)
             log.channels[i].name =

@@ -1,5 +1,7 @@
 #include "tools/StatsPlot.h"
 
+#include "tools/NumberText.h"
+
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/core/Utf.h"
 
@@ -134,7 +136,7 @@ private:
     void drawHead(std::string const & title) {
         drawText(c_left, 24.0, "start", escaped(title), "font-size=\"16\" font-weight=\"bold\"");
         drawText(c_left, 44.0, "start",
-                 std::to_string(log.times.size()) + " rows in " + numberText(seconds.high) +
+                 CountText(log.times.size(), "row", "rows") + " in " + numberText(seconds.high) +
                      " seconds, from " + numberText(static_cast<double>(log.times.front()) / 1000.0) + " on");
     }
 

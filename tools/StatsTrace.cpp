@@ -1,19 +1,7 @@
 #include "tools/StatsTrace.h"
 
+#include "tools/NumberText.h"
 #include "tools/Quote.h"
-
-#include <charconv>
-
-namespace {
-
-// The shortest text that reads as this number again.
-std::string floatText(float value) {
-    char text[64];
-    auto const [end, error] = std::to_chars(text, text + sizeof(text), value);
-    return {text, error == std::errc() ? end : text};
-}
-
-} // namespace
 
 bool WriteStatsTrace(StatsLog const & log, ByteStream & stream) {
     bool isWritten = BSWriteText(stream, "{\"traceEvents\":[", false);
@@ -23,7 +11,7 @@ bool WriteStatsTrace(StatsLog const & log, ByteStream & stream) {
         for (StatsSample const & sample : channel.samples) {
             std::string const microseconds = std::to_string(log.times[sample.row] * 1000);
             std::string const event =
-                separator + begin + microseconds + ",\"args\":{\"value\":" + floatText(sample.value) + "}}";
+                separator + begin + microseconds + ",\"args\":{\"value\":" + FloatText(sample.value) + "}}";
             isWritten = isWritten && BSWriteText(stream, event.c_str(), false);
             separator = ",\n";
         }

@@ -1,6 +1,6 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
-#include "tools/Quote.h"
+#include "tools/Json.h"
 #include "tools/syncdiff/SyncDiff.h"
 
 #include <algorithm>
@@ -10,6 +10,7 @@ namespace {
 
 struct DiffArguments {
     std::array<std::string, 2> files;
+    bool asJson = false;
 };
 
 // A line as it stands, or quoted when it holds what a terminal would act on or could not show.
@@ -71,7 +72,40 @@ void printDifference(DiffArguments const & arguments, SyncReport const & report,
     for (std::string const & distance : SyncDistances(report.difference[0].text, report.difference[1].text))
         out << "  " << distance << '\n';
     printSurroundings(report, out);
-    out << "later: " << report.laterGroups << " more differing groups\n";
+    out << "later: " << CountText(report.laterGroups, "more differing group\n", "more differing groups\n");
+}
+
+void printText(DiffArguments const & arguments, SyncReport const & report, std::ostream & out) {
+    if (report.AreEqual())
+        out << "equal: " << CountText(report.lines, "line\n", "lines\n");
+    else
+        printDifference(arguments, report, out);
+}
+
+// What a side has at the difference; "line" is null where it ended before.
+JsonObject sideJson(std::string const & file, std::string const & total, SyncLine const & line) {
+    bool const hasLine = line.number != 0;
+    return JsonObject()
+        .Add("file", file)
+        .Add("total", total.empty() ? std::nullopt : std::optional(total))
+        .Add("line", hasLine ? std::optional(line.number) : std::nullopt)
+        .Add("text", hasLine ? std::optional(line.text) : std::nullopt);
+}
+
+void printJson(DiffArguments const & arguments, SyncReport const & report, std::ostream & out) {
+    std::vector<JsonObject> sides;
+    for (std::size_t side = 0; side < 2; ++side)
+        sides.push_back(sideJson(arguments.files[side], report.totals[side], report.difference[side]));
+    out << JsonObject()
+               .Add("verdict", report.AreEqual() ? "equal" : "different")
+               .Add("equalLines", report.lines)
+               .Add("frame", report.frame)
+               .Add("path", report.path)
+               .Add("sides", sides)
+               .Add("distances", SyncDistances(report.difference[0].text, report.difference[1].text))
+               .Add("laterGroups", report.laterGroups)
+               .Text()
+        << '\n';
 }
 
 ExitCode diff(DiffArguments const & arguments, Output const & output) {
@@ -81,24 +115,19 @@ ExitCode diff(DiffArguments const & arguments, Output const & output) {
     if (!reasons.empty())
         return Fail(output, reasons);
     SyncReport const report = DiffSync(*first, *second);
-    if (report.AreEqual()) {
-        output.out << "equal: " << report.lines << " lines\n";
-        return exitGood;
-    }
-    printDifference(arguments, report, output.out);
-    return exitFinding;
+    (arguments.asJson ? printJson : printText)(arguments, report, output.out);
+    return report.AreEqual() ? exitGood : exitFinding;
 }
 
 } // namespace
 
 void AddSyncVerbs(CLI::App & app, Job & job) {
-    CLI::App & sync = *app.add_subcommand("sync", "Sync blocks that two machines printed");
-    sync.require_subcommand(1);
-    sync.footer("Example: crosstool sync diff left.txt right.txt");
-    CLI::App & verb = *sync.add_subcommand(
-        "diff", "Find the first value in which two printed sync blocks differ; 1 for a difference");
-    auto const arguments = AddVerb(verb, job, diff);
+    CLI::App & sync = AddGroup(app, "sync", "Sync blocks that two machines printed");
+    CLI::App & verb = AddVerb(
+        sync, "diff", "Find the first value in which two printed sync blocks differ; 1 for a difference",
+        "left.txt right.txt");
+    auto const arguments = SetWork(verb, job, diff);
     AddFile(verb, "A", arguments->files[0], "The block whose values come first");
     AddFile(verb, "B", arguments->files[1], "The block to compare it with");
-    verb.footer("Example: crosstool sync diff left.txt right.txt");
+    AddJson(verb, arguments->asJson);
 }

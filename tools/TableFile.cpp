@@ -2,6 +2,7 @@
 
 #include "tools/ChunkList.h"
 #include "tools/InputFile.h"
+#include "tools/NumberText.h"
 
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/engine/core/Text.h"
@@ -62,7 +63,8 @@ private:
         else if (chunk.version != c_chunkVersion)
             find(chunk.headerOffset, "the table has version %u, not 1", chunk.version);
         else if (chunk.bodySize < c_prefixSize)
-            find(chunk.bodyOffset, "the chunk has %u bytes, too few for crc and size", chunk.bodySize);
+            find(chunk.bodyOffset, "the chunk has %s, too few for crc and size",
+                 CountText(chunk.bodySize, "byte", "bytes").c_str());
         else
             return true;
         return false;
@@ -114,7 +116,8 @@ private:
     void checkEnd(Chunky::ChunkInfo const & chunk) {
         unsigned int const end = chunk.bodyOffset + chunk.bodySize;
         if (stream.GetLen() > end)
-            find(end, "%u bytes follow behind the table", stream.GetLen() - end);
+            find(end, "%s behind the table",
+                 CountText(stream.GetLen() - end, "byte follows", "bytes follow").c_str());
     }
 
     void find(unsigned int offset, char const * format, ...) CROSS_PRINTF_FORMAT(3, 4) {

@@ -1,5 +1,6 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
+#include "tools/NumberText.h"
 #include "tools/OutputFile.h"
 #include "tools/TableDiff.h"
 #include "tools/TableFile.h"
@@ -133,8 +134,7 @@ ExitCode diff(DiffArguments const & arguments, Output const & output) {
         output.out << "equal: " << pair << Summary(first) << '\n';
         return exitGood;
     }
-    output.out << "different: " << pair << differences.size()
-               << (differences.size() == 1 ? " difference\n" : " differences\n");
+    output.out << "different: " << pair << CountText(differences.size(), "difference\n", "differences\n");
     PrintLines(output.out, "", differences);
     return exitFinding;
 }
@@ -146,55 +146,51 @@ void addNames(CLI::App & verb, std::string & names) {
 }
 
 void addBuild(CLI::App & table, Job & job) {
-    CLI::App & verb = *table.add_subcommand("build", "Build a table file from a Lua source");
-    auto const arguments = AddVerb(verb, job, build);
+    CLI::App & verb = AddVerb(table, "build", "Build a table file from a Lua source",
+                              "tank.lua tank.tbl --names tank.names");
+    auto const arguments = SetWork(verb, job, build);
     AddFile(verb, "IN", arguments->source, "The source; docs/table-source.md tells its notation");
     AddFile(verb, "OUT", arguments->target, "The table file to write");
     verb.add_option("--names", arguments->names, "Also write the names of all fields, for dump and diff")
         ->option_text("FILE");
-    verb.footer("Example: crosstool table build tank.lua tank.tbl --names tank.names");
 }
 
 void addDump(CLI::App & table, Job & job) {
-    CLI::App & verb = *table.add_subcommand("dump", "Print the contents of a table file");
-    auto const arguments = AddVerb(verb, job, dump);
+    CLI::App & verb =
+        AddVerb(table, "dump", "Print the contents of a table file", "tank.tbl --names tank.names --json");
+    auto const arguments = SetWork(verb, job, dump);
     AddFile(verb, "FILE", arguments->file, "The table file");
     addNames(verb, arguments->names);
-    verb.add_flag("--json", arguments->asJson, "Print JSON; malformed text shows U+FFFD");
-    verb.footer("Example: crosstool table dump tank.tbl --names tank.names --json");
+    AddJson(verb, arguments->asJson);
 }
 
 void addVerify(CLI::App & table, Job & job) {
-    CLI::App & verb = *table.add_subcommand("verify", "Check a table file to the last byte; 1 for damage");
-    auto const file = AddVerb(verb, job, verify);
+    CLI::App & verb =
+        AddVerb(table, "verify", "Check a table file to the last byte; 1 for damage", "tank.tbl");
+    auto const file = SetWork(verb, job, verify);
     AddFile(verb, "FILE", *file, "The table file");
-    verb.footer("Example: crosstool table verify tank.tbl");
 }
 
 void addCrc(CLI::App & table, Job & job) {
     CLI::App & verb =
-        *table.add_subcommand("crc", "Print the CRC that identifies the contents of a table file");
-    auto const file = AddVerb(verb, job, crc);
+        AddVerb(table, "crc", "Print the CRC that identifies the contents of a table file", "tank.tbl");
+    auto const file = SetWork(verb, job, crc);
     AddFile(verb, "FILE", *file, "The table file");
-    verb.footer("Example: crosstool table crc tank.tbl");
 }
 
 void addDiff(CLI::App & table, Job & job) {
-    CLI::App & verb =
-        *table.add_subcommand("diff", "Compare two table files field by field; 1 for a difference");
-    auto const arguments = AddVerb(verb, job, diff);
+    CLI::App & verb = AddVerb(table, "diff", "Compare two table files field by field; 1 for a difference",
+                              "old/tank.tbl new/tank.tbl --names tank.names");
+    auto const arguments = SetWork(verb, job, diff);
     AddFile(verb, "A", arguments->first, "The table file whose values come first");
     AddFile(verb, "B", arguments->second, "The table file to compare it with");
     addNames(verb, arguments->names);
-    verb.footer("Example: crosstool table diff old/tank.tbl new/tank.tbl --names tank.names");
 }
 
 } // namespace
 
 void AddTableVerbs(CLI::App & app, Job & job) {
-    CLI::App & table = *app.add_subcommand("table", "Attribute tables");
-    table.require_subcommand(1);
-    table.footer("Example: crosstool table verify tank.tbl");
+    CLI::App & table = AddGroup(app, "table", "Attribute tables");
     addBuild(table, job);
     addDump(table, job);
     addVerify(table, job);

@@ -1,5 +1,7 @@
 #include "tools/TargaCheck.h"
 
+#include "tools/NumberText.h"
+
 #include "Cross/engine/core/Text.h"
 #include "Cross/engine/filesystem/ByteStream.h"
 
@@ -225,7 +227,7 @@ private:
         bool const areThere = report.isPacked ? checkPackets() : checkPlain();
         unsigned int const end = bytes.Position(), rest = bytes.Left();
         if (areThere && rest > 0 && !hasFooter())
-            find(end, false, "%u bytes follow behind the pixels", rest);
+            find(end, false, "%s behind the pixels", CountText(rest, "byte follows", "bytes follow").c_str());
     }
 
     bool checkPlain() {
@@ -243,12 +245,12 @@ private:
             unsigned int const begin = bytes.Position();
             unsigned int const length = bytes.Left() > 0 ? readPacket(left) : 0;
             if (length == 0) {
-                find(begin, true, "the pixels end early, %u are missing", left);
+                find(begin, true, "the pixels end early, %s missing", CountText(left, "is", "are").c_str());
                 return false;
             }
             if (length > left)
-                find(begin, false, "the last packet reaches %u pixels beyond the image, which loading cuts",
-                     length - left);
+                find(begin, false, "the last packet reaches %s beyond the image, which loading cuts",
+                     CountText(length - left, "pixel", "pixels").c_str());
             left -= std::min(length, left);
         }
         return true;

@@ -1,5 +1,6 @@
 #include "tools/AddVerb.h"
 #include "tools/InputFile.h"
+#include "tools/Json.h"
 #include "tools/OutputFile.h"
 #include "tools/PngFile.h"
 #include "tools/TargaCheck.h"
@@ -33,31 +34,63 @@ void printFields(TargaReport const & report, std::ostream & out) {
     }
 }
 
-ExitCode info(std::string const & file, Output const & output) {
+void printJson(TargaReport const & report, std::string const & file, std::ostream & out) {
+    std::vector<JsonObject> fields, findings;
+    for (TargaReport::Field const & field : report.fields)
+        fields.push_back(JsonObject()
+                             .Add("offset", field.offset)
+                             .Add("size", field.size)
+                             .Add("name", field.name)
+                             .Add("value", field.value)
+                             .Add("meaning", field.meaning));
+    for (TargaReport::Finding const & finding : report.findings)
+        findings.push_back(JsonObject()
+                               .Add("offset", finding.offset)
+                               .Add("fatal", finding.isFatal)
+                               .Add("reason", finding.reason));
+    out << JsonObject()
+               .Add("verdict", !report.Loads()    ? "does not load"
+                               : findings.empty() ? "good"
+                                                  : "loads, but")
+               .Add("file", file)
+               .Add("findings", findings)
+               .Add("fields", fields)
+               .Text()
+        << '\n';
+}
+
+void printInfo(TargaReport const & report, std::string const & file, std::ostream & out) {
+    if (report.Loads())
+        out << "good: " << file << ": " << report.Summary() << '\n';
+    else
+        PrintLines(out, "does not load: ", report.Lines(file, true));
+    if (!report.fields.empty())
+        printFields(report, out);
+}
+
+ExitCode info(FileArguments const & arguments, Output const & output) {
     TargaReport report;
     Lines reasons;
-    if (!check(file, report, reasons))
+    if (!check(arguments.file, report, reasons))
         return Fail(output, reasons);
-    if (report.Loads())
-        output.out << "good: " << file << ": " << report.Summary() << '\n';
-    else
-        PrintLines(output.out, "does not load: ", report.Lines(file, true));
-    if (!report.fields.empty())
-        printFields(report, output.out);
+    (arguments.asJson ? printJson : printInfo)(report, arguments.file, output.out);
     return report.Loads() ? exitGood : exitFinding;
 }
 
-ExitCode verify(std::string const & file, Output const & output) {
+void printFindings(TargaReport const & report, std::string const & file, std::ostream & out) {
+    if (report.findings.empty())
+        out << "good: " << file << ": " << report.Summary() << '\n';
+    else
+        PrintLines(out, report.Loads() ? "loads, but: " : "does not load: ", report.Lines(file, false));
+}
+
+ExitCode verify(FileArguments const & arguments, Output const & output) {
     TargaReport report;
     Lines reasons;
-    if (!check(file, report, reasons))
+    if (!check(arguments.file, report, reasons))
         return Fail(output, reasons);
-    if (report.findings.empty()) {
-        output.out << "good: " << file << ": " << report.Summary() << '\n';
-        return exitGood;
-    }
-    PrintLines(output.out, report.Loads() ? "loads, but: " : "does not load: ", report.Lines(file, false));
-    return exitFinding;
+    (arguments.asJson ? printJson : printFindings)(report, arguments.file, output.out);
+    return report.findings.empty() ? exitGood : exitFinding;
 }
 
 // The pixels as a file of `bitsPerPixel` stores them.
@@ -139,29 +172,27 @@ ExitCode resave(ConvertArguments const & arguments, Output const & output) {
 }
 
 void addOne(CLI::App & targa, Job & job, char const * name, char const * description,
-            ExitCode (*work)(std::string const &, Output const &)) {
-    CLI::App & verb = *targa.add_subcommand(name, description);
-    auto const file = AddVerb(verb, job, work);
-    AddFile(verb, "FILE", *file, "The Targa image");
-    verb.footer(std::string("Example: crosstool tga ") + name + " grass.tga");
+            ExitCode (*work)(FileArguments const &, Output const &)) {
+    CLI::App & verb = AddVerb(targa, name, description, "grass.tga");
+    auto const arguments = SetWork(verb, job, work);
+    AddFile(verb, "FILE", arguments->file, "The Targa image");
+    AddJson(verb, arguments->asJson);
 }
 
 void addConversion(CLI::App & targa, Job & job, char const * name, char const * description,
                    ExitCode (*work)(ConvertArguments const &, Output const &), char const * example) {
-    CLI::App & verb = *targa.add_subcommand(name, description);
-    auto const arguments = AddVerb(verb, job, work);
+    CLI::App & verb = AddVerb(targa, name, description, example);
+    auto const arguments = SetWork(verb, job, work);
     AddFile(verb, "IN", arguments->source, "The image to read");
     AddFile(verb, "OUT", arguments->target, "The image to write; the old one stays when that fails");
-    verb.footer(std::string("Example: crosstool tga ") + name + ' ' + example);
 }
 
 } // namespace
 
 void AddTargaVerbs(CLI::App & app, Job & job) {
-    CLI::App & targa = *app.add_subcommand("tga", "Targa images");
-    targa.require_subcommand(1);
-    targa.footer("Example: crosstool tga info grass.tga");
-    addOne(targa, job, "info", "Print every field of the header and what loading does with it", info);
+    CLI::App & targa = AddGroup(app, "tga", "Targa images");
+    addOne(targa, job, "info",
+           "Print every field of the header and what loading does with it; 1 when it does not load", info);
     addOne(targa, job, "verify", "Check an image to its last byte; 1 when something is wrong", verify);
     addConversion(targa, job, "topng", "Turn a Targa image into a PNG image", toPng, "grass.tga grass.png");
     addConversion(targa, job, "frompng", "Turn a PNG image into a Targa image, 32 bits with alpha, else 24",

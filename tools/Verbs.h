@@ -52,5 +52,7 @@ void AddTableVerbs(CLI::App & app, Job & job);
 void AddTargaVerbs(CLI::App & app, Job & job);
 
 // Runs one command line and gives the exit code. Nothing is thrown. While it runs, the trace of the process
-// is its own: the lines follow behind the verdict on `err`.
-int RunCrosstool(int argc, char const * const * argv, std::ostream & out, std::ostream & err);
+// is its own: the lines follow behind the verdict on `err`. Where there is a `terminal`, progress shows
+// there.
+int RunCrosstool(int argc, char const * const * argv, std::ostream & out, std::ostream & err,
+                 std::ostream * terminal = nullptr);

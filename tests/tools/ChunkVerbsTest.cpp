@@ -207,7 +207,7 @@ TEST(ChunkList, DamageIsShownInItsPlace) {
         {51, "10",
          "        16         60         37       61.9  folder \"MENU\" version 1 \"top\"\n"
          "        39         36         16       37.1      data \"0x00000007\" version 2\n"
-         "        75          1          1        1.0      damaged: the 1 bytes left are too few for "
+         "        75          1          1        1.0      damaged: the 1 byte left is too few for "
          "a chunk\n"
          "        76         21          1       21.6  data \"BVOL\" version 2\n"},
         // what is too large is shown with what is there of it

@@ -1,11 +1,9 @@
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
 #include "tools/ConfigLint.h"
-#include "tools/Verbs.h"
 
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 namespace {
 
@@ -16,18 +14,6 @@ std::string findings(std::string const & text) {
     for (ConfigReport::Finding const & finding : LintConfig(stream).findings)
         list += std::to_string(finding.line) + ": " + finding.reason + "\n";
     return list;
-}
-
-struct Result {
-    int code;
-    std::string text;
-};
-
-Result run(std::vector<char const *> arguments) {
-    arguments.insert(arguments.begin(), "crosstool");
-    std::ostringstream out, err;
-    int const code = RunCrosstool(static_cast<int>(arguments.size()), arguments.data(), out, err);
-    return {code, out.str() + err.str()};
 }
 
 } // namespace
@@ -72,14 +58,18 @@ TEST(ConfigLint, TheVerbNamesFileAndLine) {
     folder.WriteFile("good.ini", "[a]\r\nx=1\r\n");
     folder.WriteFile("bad.ini", "[a]\r\nx=1\r\nx=2\r\n");
     std::string const good = folder / "good.ini", bad = folder / "bad.ini", none = folder / "none.ini";
-    Result result = run({"config", "lint", good.c_str()});
+    ToolResult result = RunTool({"config", "lint", good});
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.text, "good: " + good + ": 1 sections, 1 entries\n");
-    result = run({"config", "lint", bad.c_str()});
+    EXPECT_EQ(result.out, "good: " + good + ": 1 section, 1 entry\n");
+    result = RunTool({"config", "lint", bad});
     EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.text, "1 findings: " + bad + ": 1 sections, 1 entries load\n" + bad +
-                               ":3: is dropped: the key \"x\" stands in line 2\n");
-    EXPECT_EQ(run({"config", "lint", none.c_str()}).code, 2);
+    EXPECT_EQ(result.out, "1 finding: " + bad + ": 1 section, 1 entry load\n" + bad +
+                              ":3: is dropped: the key \"x\" stands in line 2\n");
+    EXPECT_EQ(RunTool({"config", "lint", bad, "--json"}).out,
+              "{\"verdict\": \"findings\", \"file\": \"" + bad +
+                  "\", \"sections\": 1, \"entries\": 1, \"findings\": [{\"line\": 3, \"reason\": "
+                  "\"is dropped: the key \\\"x\\\" stands in line 2\"}]}\n");
+    EXPECT_EQ(RunTool({"config", "lint", none, "--json"}).code, 2);
 }
 
 TEST(SettingsExplain, ShowsWhatCounts) {
@@ -92,10 +82,10 @@ TEST(SettingsExplain, ShowsWhatCounts) {
                                "}\n");
     folder.WriteFile("broken.lua", "configuration = {");
     std::string const file = folder / "my.lua", broken = folder / "broken.lua", none = folder / "none.lua";
-    Result result = run({"settings", "explain", file.c_str(), "-tanks=2", "-bloom"});
+    ToolResult result = RunTool({"settings", "explain", file, "-tanks=2", "-bloom", "-hue=2"});
     EXPECT_EQ(result.code, 0);
     EXPECT_EQ(
-        result.text,
+        result.out,
         "good: " + file +
             ": 3 settings, 2 differ from the file\n"
             "setting                         kind            file      option   effective      memory\n"
@@ -108,9 +98,17 @@ TEST(SettingsExplain, ShowsWhatCounts) {
             "application: 102400 KB, with the settings 105984 KB\n"
             "graphics driver: 32768 KB, with all of it 138752 KB\n"
             "allowable overflow: 131072 KB, enough for the settings\n");
-    EXPECT_NE(run({"settings", "explain", file.c_str()}).text.find("0 differ"), std::string::npos);
-    EXPECT_EQ(run({"settings", "explain", broken.c_str()}).code, 2);
-    result = run({"settings", "explain", none.c_str()});
+    EXPECT_NE(RunTool({"settings", "explain", file}).out.find("0 differ"), std::string::npos);
+    EXPECT_EQ(RunTool({"settings", "explain", file, "--json", "-bloom"})
+                  .out.find("{\"verdict\": \"good\", \"file\": \"" + file +
+                            "\", \"settings\": ["
+                            "{\"name\": \"asis\", \"kind\": \"number\", \"file\": 7, \"option\": \"-\", "
+                            "\"effective\": 7, \"kilobytes\": 0}, "
+                            "{\"name\": \"bloom\", \"kind\": \"switch\", \"file\": 0, \"option\": \"given\", "
+                            "\"effective\": 1, \"kilobytes\": 512}, "),
+              0u);
+    EXPECT_EQ(RunTool({"settings", "explain", broken}).code, 2);
+    result = RunTool({"settings", "explain", none});
     EXPECT_EQ(result.code, 2);
-    EXPECT_EQ(result.text, "failed: " + none + ": does not exist\n");
+    EXPECT_EQ(result.err, "failed: " + none + ": does not exist\n");
 }

@@ -1,8 +1,8 @@
 #include "tools/MenuLint.h"
 
 #include "Cross/Util/Random.h"
+#include "tests/tools/ToolRun.h"
 #include "tests/util/CheatMenuSupport.h"
-#include "tools/Verbs.h"
 
 #include <iterator>
 #include <set>
@@ -22,18 +22,6 @@ std::string findings(std::string const & source) {
     for (MenuReport::Finding const & finding : lint(source).findings)
         list += finding.path + ": " + finding.reason + "\n";
     return list;
-}
-
-struct Result {
-    int code;
-    std::string text;
-};
-
-Result run(std::vector<char const *> arguments) {
-    arguments.insert(arguments.begin(), "crosstool");
-    std::ostringstream out, err;
-    int const code = RunCrosstool(static_cast<int>(arguments.size()), arguments.data(), out, err);
-    return {code, out.str() + err.str()};
 }
 
 using Words = std::vector<std::string>;
@@ -162,16 +150,20 @@ TEST_F(MenuLint, TheVerbNamesFileAndPath) {
     folder.WriteFile("broken.lua", "SubMenuItems = {");
     std::string const good = folder / "good.lua", bad = folder / "bad.lua", broken = folder / "broken.lua",
                       none = folder / "none.lua";
-    Result result = run({"menu", "lint", good.c_str()});
+    ToolResult result = RunTool({"menu", "lint", good});
     EXPECT_EQ(result.code, 0);
-    EXPECT_EQ(result.text, "good: " + good + ": 2 menus, 1 lines\n");
-    result = run({"menu", "lint", bad.c_str()});
+    EXPECT_EQ(result.out, "good: " + good + ": 2 menus, 1 line\n");
+    result = RunTool({"menu", "lint", bad});
     EXPECT_EQ(result.code, 1);
-    EXPECT_EQ(result.text, "1 findings: " + bad + ": 2 menus, 1 lines load\n" + bad +
-                               ": [1] \"M\" > [1]: is dropped: it has no text \"name\"\n");
-    result = run({"menu", "lint", broken.c_str()});
+    EXPECT_EQ(result.out, "1 finding: " + bad + ": 2 menus, 1 line load\n" + bad +
+                              ": [1] \"M\" > [1]: is dropped: it has no text \"name\"\n");
+    result = RunTool({"menu", "lint", broken});
     EXPECT_EQ(result.code, 2);
-    EXPECT_EQ(result.text.find("failed: " + broken + ": is no menu file that runs\ntrace: "), 0u)
-        << result.text;
-    EXPECT_EQ(run({"menu", "lint", none.c_str()}).code, 2);
+    EXPECT_EQ(result.err.find("failed: " + broken + ": is no menu file that runs\ntrace: "), 0u)
+        << result.err;
+    EXPECT_EQ(RunTool({"menu", "lint", "--json", bad}).out,
+              "{\"verdict\": \"findings\", \"file\": \"" + bad +
+                  "\", \"menus\": 2, \"lines\": 1, \"findings\": [{\"path\": \"[1] \\\"M\\\" > [1]\", "
+                  "\"reason\": \"is dropped: it has no text \\\"name\\\"\"}]}\n");
+    EXPECT_EQ(RunTool({"menu", "lint", none}).code, 2);
 }

@@ -108,7 +108,16 @@ TEST(MeshVerbs, ImportsObjectsAndTheirBounds) {
                   "    axis 1 0 0\n    axis 0 1 0\n    axis 0 0 1\n"
                   "mesh \"floor\": 4 vertices, 2 triangles, from 0 0 0 to 2 0 2.5\n"
                   "mesh \"roof left\": 3 vertices, 1 triangle, from 0 0 0 to 2 3 0\n");
-    EXPECT_EQ(RunTool({"mesh", "verify", mesh}).code, 0);
+    ToolResult const verified = RunTool({"mesh", "verify", mesh, "--json"});
+    EXPECT_EQ(verified.code, 0);
+    EXPECT_EQ(verified.out, RunTool({"mesh", "info", mesh, "--json"}).out);
+    EXPECT_EQ(verified.out,
+              "{\"verdict\": \"good\", \"file\": \"" + mesh +
+                  "\", \"findings\": [], \"volumes\": [{\"valid\": true, \"centre\": [1, 1.5, 1.25], "
+                  "\"extents\": [1, 1.5, 1.25], \"axes\": [[1, 0, 0], [0, 1, 0], [0, 0, 1]]}], \"meshes\": "
+                  "[{\"name\": \"floor\", \"vertices\": 4, \"triangles\": 2, \"coinciding\": 0}, "
+                  "{\"name\": \"roof left\", \"vertices\": 3, \"triangles\": 1, \"coinciding\": 0}], "
+                  "\"otherChunks\": 0}\n");
 }
 
 TEST(MeshVerbs, ImportTellsFileAndLine) {
@@ -203,7 +212,7 @@ TEST(MeshCheck, EachThingWrongHasItsPlace) {
         {24, "03", "16: \"BVOL\" has version 3, newer than 2, the newest known\n"},
         {162, "02", "162: the list tells of 2 meshes, but holds 1\n"},
         {194, "04", "194: the name of the mesh exceeds its chunk\n"},
-        {194, "02", "200: 1 bytes follow behind the name of the mesh\n"},
+        {194, "02", "200: 1 byte follows behind the name of the mesh\n"},
         {134, "4A", "130: \"MSLJ\" stands in the list where \"MSLI\" is expected\n"},
         {230, "FFFFFFFF", "230: a count of the mesh is negative: -1 vertices, 3 indices\n"},
         {230, "FFFFFF00", "230: 16777215 vertices and 3 indices take 201326586 bytes, but 42 are left\n"},

@@ -1,9 +1,9 @@
 #include "tests/support/ReasonOf.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
+#include "tests/tools/ToolRun.h"
 #include "tools/StatsPlot.h"
 #include "tools/StatsTrace.h"
-#include "tools/Verbs.h"
 
 #include <gtest/gtest.h>
 
@@ -75,7 +75,7 @@ TEST(StatsLog, ReadsWhatTheSinkWrites) {
         {"1.000,1.000,2.000,\ntime,,b,\n", "channel 1 0:1 !0;b 0:2 !0; 1000"},
         {"1.000,1.000,\ntime,a,b,\n",
          "channel 1 0:1 !0; 1000\n"
-         "line 2 has 2 names for 1 channels, as when one holds a comma: they are numbered"},
+         "line 2 has 2 names for 1 channel, as when one holds a comma: they are numbered"},
         {"1.000,inf,\n1.016,-nan,\n1.033,1.000,\ntime,a,\n", "a 2:1 !2; 1000 1016 1033"},
         // the clock wraps after 2^32 milliseconds, each time
         {"4294967.290,1,\n0.006,1,\n4000000.000,1,\n0.001,1,\ntime,a,\n",
@@ -225,13 +225,11 @@ TEST(StatsVerbs, PlotAndTraceWriteTheirFiles) {
     std::string const log = folder / "log.txt", bad = folder / "bad.txt", none = folder / "none.txt";
     std::string const svg = folder / "out.svg", json = folder / "out.json", nowhere = folder / "bad.txt/out";
     auto const run = [](char const * verb, std::string const & file, std::string const & target) {
-        char const * const arguments[] = {"crosstool", "stats", verb, file.c_str(), target.c_str()};
-        std::ostringstream out, err;
-        int const code = RunCrosstool(5, arguments, out, err);
-        return std::to_string(code) + " " + out.str() + err.str();
+        ToolResult const result = RunTool({"stats", verb, file, target});
+        return std::to_string(result.code) + " " + result.out + result.err;
     };
-    std::string const what = ": 2 channels, 2 rows, 2 samples\nwarning: " + log +
-                             ": 1 samples are no finite numbers and left out\n";
+    std::string const what =
+        ": 2 channels, 2 rows, 2 samples\nwarning: " + log + ": 1 sample is no finite number and left out\n";
     EXPECT_EQ(run("plot", log, svg), "0 good: " + svg + what);
     EXPECT_EQ(folder.ReadFile("out.svg").substr(0, 5), "<svg ");
     EXPECT_EQ(run("trace", log, json), "0 good: " + json + what);
@@ -247,4 +245,24 @@ TEST(StatsVerbs, PlotAndTraceWriteTheirFiles) {
     EXPECT_EQ(run("trace", log, nowhere), "2 failed: " + nowhere + ": cannot be written\n");
     EXPECT_EQ(run("plot", log, log), "2 failed: " + log + ": would overwrite the log\n");
     EXPECT_EQ(folder.ReadFile("out.json"), trace) << "a failure leaves what was there";
+}
+
+TEST(StatsVerbs, SummaryTellsNumbersPerChannel) {
+    TemporaryFolder const folder;
+    folder.WriteFile("log.txt", "1.000,0.125,\n1.016,0.375,nan,\ntime,a\xFF\",b,\n");
+    std::string const log = folder / "log.txt";
+    EXPECT_EQ(RunTool({"stats", "summary", log}).out,
+              "good: " + log +
+                  ": 2 channels, 2 rows, 2 samples\n"
+                  "   samples     minimum     average         95%         99%     maximum  channel\n"
+                  "         2       0.125       0.250       0.375       0.375       0.375  \"a\\xFF\\\"\"\n"
+                  "         0" +
+                  std::string(60, ' ') + "  \"b\"\n");
+    EXPECT_EQ(RunTool({"stats", "summary", "--json", log}).out,
+              "{\"verdict\": \"good\", \"file\": \"" + log +
+                  "\", \"rows\": 2, \"milliseconds\": 16, \"channels\": ["
+                  "{\"name\": \"a\uFFFD\\\"\", \"samples\": 2, \"notFinite\": 0, \"minimum\": 0.125, "
+                  "\"average\": 0.25, \"percent95\": 0.375, \"percent99\": 0.375, \"maximum\": 0.375}, "
+                  "{\"name\": \"b\", \"samples\": 0, \"notFinite\": 1}], "
+                  "\"warnings\": [\"1 sample is no finite number and left out\"]}\n");
 }

@@ -3,11 +3,9 @@
 #include "tests/support/ReasonOf.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
-#include "tools/Verbs.h"
+#include "tests/tools/ToolRun.h"
 
 #include <gtest/gtest.h>
-
-#include <sstream>
 
 namespace {
 
@@ -143,35 +141,39 @@ TEST(SyncDiff, TheVerbPrintsVerdictPlaceAndSurroundings) {
     folder.WriteFile("left.txt", frame(137, "1.0 <3f800000>", c_alive));
     folder.WriteFile("right.txt", frame(137, "1.0 <3f800001>", c_alive));
     std::string const left = folder / "left.txt", right = folder / "right.txt";
-    auto const run = [](std::string const & first, std::string const & second, std::string & text) {
-        char const * const arguments[] = {"crosstool", "sync", "diff", first.c_str(), second.c_str()};
-        std::ostringstream out, err;
-        int const code = RunCrosstool(5, arguments, out, err);
-        text = out.str() + err.str();
-        return code;
-    };
-    std::string text;
-    EXPECT_EQ(run(left, right, text), 1);
-    EXPECT_EQ(text, "different: frame 137, Sim/unit/pos\n"
-                    "  " +
-                        left +
-                        ", line 7: pos: [ 1.0 <3f800000> ]\n"
-                        "  " +
-                        right +
-                        ", line 7: pos: [ 1.0 <3f800001> ]\n"
-                        "  number 1: 1 unit in the last place\n"
-                        "around it:\n"
-                        "      frame: [ 137 ]\n"
-                        "      unit: \n"
-                        "      {\n"
-                        "  -     pos: [ 1.0 <3f800000> ]\n"
-                        "  +     pos: [ 1.0 <3f800001> ]\n"
-                        "        alive: [ true <1> ]\n"
-                        "      }\n"
-                        "      unit: \n"
-                        "later: 0 more differing groups\n");
-    EXPECT_EQ(run(left, left, text), 0);
-    EXPECT_EQ(text, "equal: 15 lines\n");
-    EXPECT_EQ(run(left, folder / "none.txt", text), 2);
-    EXPECT_EQ(text, "failed: " + (folder / "none.txt") + ": does not exist\n");
+    ToolResult result = RunTool({"sync", "diff", left, right});
+    EXPECT_EQ(result.code, 1);
+    EXPECT_EQ(result.out, "different: frame 137, Sim/unit/pos\n"
+                          "  " +
+                              left +
+                              ", line 7: pos: [ 1.0 <3f800000> ]\n"
+                              "  " +
+                              right +
+                              ", line 7: pos: [ 1.0 <3f800001> ]\n"
+                              "  number 1: 1 unit in the last place\n"
+                              "around it:\n"
+                              "      frame: [ 137 ]\n"
+                              "      unit: \n"
+                              "      {\n"
+                              "  -     pos: [ 1.0 <3f800000> ]\n"
+                              "  +     pos: [ 1.0 <3f800001> ]\n"
+                              "        alive: [ true <1> ]\n"
+                              "      }\n"
+                              "      unit: \n"
+                              "later: 0 more differing groups\n");
+    EXPECT_EQ(
+        RunTool({"sync", "diff", "--json", left, right}).out,
+        "{\"verdict\": \"different\", \"equalLines\": 6, \"frame\": \"137\", \"path\": "
+        "\"Sim/unit/pos\", \"sides\": [{\"file\": \"" +
+            left +
+            "\", \"total\": null, \"line\": 7, \"text\": \"    pos: [ 1.0 <3f800000> ]\"}, {\"file\": \"" +
+            right +
+            "\", \"total\": null, \"line\": 7, \"text\": \"    pos: [ 1.0 <3f800001> ]\"}], "
+            "\"distances\": [\"number 1: 1 unit in the last place\"], \"laterGroups\": 0}\n");
+    result = RunTool({"sync", "diff", left, left});
+    EXPECT_EQ(result.code, 0);
+    EXPECT_EQ(result.out, "equal: 15 lines\n");
+    result = RunTool({"sync", "diff", left, folder / "none.txt"});
+    EXPECT_EQ(result.code, 2);
+    EXPECT_EQ(result.err, "failed: " + (folder / "none.txt") + ": does not exist\n");
 }

@@ -91,6 +91,17 @@ TEST(TargaVerbs, InfoTellsEveryField) {
     EXPECT_EQ(refused.out.find("does not load: " + file + ": offset 1: colour map type is 1: must be 0\n" +
                                file + ": offset 2: image type is 3: shades of grey; must be 2 or 10\nbyte"),
               0u);
+    ToolResult const json = RunTool({"tga", "verify", file, "--json"});
+    EXPECT_EQ(json.code, 1);
+    EXPECT_EQ(
+        json.out.find("{\"verdict\": \"does not load\", \"file\": \"" + file +
+                      "\", \"findings\": [{\"offset\": 1, \"fatal\": true, \"reason\": \"colour map type is "
+                      "1: must be 0\"}, "),
+        0u);
+    EXPECT_NE(
+        json.out.find("\"fields\": [{\"offset\": 0, \"size\": 1, \"name\": \"ID length\", \"value\": 0, "
+                      "\"meaning\": \""),
+        std::string::npos);
     EXPECT_EQ(RunTool({"tga", "info", folder / "none.tga"}).code, 2);
 }
 
@@ -106,7 +117,7 @@ TEST(TargaVerbs, VerifyAgreesWithLoading) {
         {header("02", "18", "00") + pixels + "tables" + std::string(8, '\0') + "TRUEVISION-XFILE." + '\0',
          "good: " + summary + "plain, bottom row first\n"},
         {header("02", "18", "00") + pixels + "x",
-         "loads, but: offset 63: 1 bytes follow behind the pixels\n"},
+         "loads, but: offset 63: 1 byte follows behind the pixels\n"},
         {header("02", "18", "D0") + pixels,
          "loads, but: offset 17: the rows run from right to left, but load from left to right\n"
          "offset 17: the rows are interleaved, but load in the order of the file\n"},
@@ -116,13 +127,13 @@ TEST(TargaVerbs, VerifyAgreesWithLoading) {
          "good: " + summary + "run-length encoded, bottom row first\n"},
         // a packet beyond the image, whose own bytes there need not be in the file
         {header("0A", "18", "00") + FromHex("8F 010203"),
-         "loads, but: offset 18: the last packet reaches 1 pixels beyond the image, which loading cuts\n"},
+         "loads, but: offset 18: the last packet reaches 1 pixel beyond the image, which loading cuts\n"},
         {header("0A", "18", "00") + FromHex("8C 010203 7F 010203 040506"),
          "loads, but: offset 22: the last packet reaches 126 pixels beyond the image, which loading cuts\n"},
         {header("0A", "18", "00") + FromHex("8D 010203"),
-         "does not load: offset 22: the pixels end early, 1 are missing\n"},
+         "does not load: offset 22: the pixels end early, 1 is missing\n"},
         {header("0A", "18", "00") + FromHex("8D 010203 80 0102"),
-         "does not load: offset 22: the pixels end early, 1 are missing\n"},
+         "does not load: offset 22: the pixels end early, 1 is missing\n"},
         {header("02", "10", "00") + pixels,
          "does not load: offset 16: bits per pixel is 16: must be 24 or 32\n"},
         {FromHex("05 00 02 0000 0000 00 0000 0100 0000 FFFF 20 08") + "id",
