@@ -95,8 +95,10 @@ private:
         std::uint32_t const a = right ^ row.first;
         std::uint32_t const low = a & 0xFFFF;
         std::uint32_t const high = a >> 16;
-        std::uint32_t const b = std::rotl(~(high * high) + low * low, 16);
-        return ((b ^ row.second) + high * low) ^ left;
+        // ~(high * high) + low * low is the inversion of one product. It is put off: it turns the row's
+        // second word over.
+        std::uint32_t const b = std::rotl((high - low) * (high + low), 16);
+        return ((b ^ ~row.second) + high * low) ^ left;
     }
 
     static std::uint32_t hash(std::uint32_t left, std::uint32_t right, std::uint32_t rounds) {
