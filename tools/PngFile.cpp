@@ -61,21 +61,22 @@ void requireSize(PngImage const & image, std::string_view file) {
 }
 
 // Both ways the library takes a negative distance of rows for the bottom row first.
-png_int_32 rowDistance(Picture const & picture) {
+png_int_32 rowDistance(TargaPicture const & picture) {
     return -static_cast<png_int_32>(picture.width * (picture.bitsPerPixel / 8));
 }
 
-png_uint_32 formatOf(Picture const & picture) {
+png_uint_32 formatOf(TargaPicture const & picture) {
     return picture.bitsPerPixel == 32 ? PNG_FORMAT_BGRA : PNG_FORMAT_BGR;
 }
 
 } // namespace
 
-Picture DecodePng(std::string_view file) {
+TargaPicture DecodePng(std::string_view file) {
     PngImage image;
     image.Require(png_image_begin_read_from_memory(&image, file.data(), file.size()));
     requireSize(image, file);
-    Picture picture{image.width, image.height, (image.format & PNG_FORMAT_FLAG_ALPHA) != 0 ? 32u : 24u, {}};
+    TargaPicture picture{
+        image.width, image.height, (image.format & PNG_FORMAT_FLAG_ALPHA) != 0 ? 32u : 24u, {}};
     std::uint64_t const size = std::uint64_t{picture.width} * picture.height * (picture.bitsPerPixel / 8);
     if (size > std::numeric_limits<std::uint32_t>::max())
         throw std::runtime_error("the pixels take 4 GiB or more");
@@ -86,7 +87,7 @@ Picture DecodePng(std::string_view file) {
     return picture;
 }
 
-std::string EncodePng(Picture const & picture) {
+std::string EncodePng(TargaPicture const & picture) {
     PngImage image;
     image.width = picture.width;
     image.height = picture.height;

@@ -107,7 +107,7 @@ std::vector<unsigned char> storedPixels(MathPrim::Colour const * pixels, std::si
 }
 
 // Checked first, so that no file claims more memory than its pixels need.
-bool loadTarga(std::string const & file, Picture & picture, Lines & reasons) {
+bool loadTarga(std::string const & file, TargaPicture & picture, Lines & reasons) {
     TargaReport report;
     if (!check(file, report, reasons))
         return false;
@@ -124,13 +124,13 @@ bool loadTarga(std::string const & file, Picture & picture, Lines & reasons) {
     return true;
 }
 
-ExitCode good(std::string const & file, Picture const & picture, Output const & output) {
+ExitCode good(std::string const & file, TargaPicture const & picture, Output const & output) {
     output.out << "good: " << file << ": " << picture.width << " x " << picture.height << " pixels of "
                << picture.bitsPerPixel << " bits\n";
     return exitGood;
 }
 
-ExitCode saveTarga(std::string const & file, Picture const & picture, Output const & output) {
+ExitCode saveTarga(std::string const & file, TargaPicture const & picture, Output const & output) {
     if (!TGAIO::Save(WithoutAlias(file).c_str(), picture.width, picture.height, picture.bitsPerPixel,
                      static_cast<unsigned int>(picture.bytes.size()), picture.bytes.data()))
         return Fail(output, {file + ": cannot be written"});
@@ -140,7 +140,7 @@ ExitCode saveTarga(std::string const & file, Picture const & picture, Output con
 ExitCode toPng(ConvertArguments const & arguments, Output const & output) {
     if (IsSameFile(arguments.source, arguments.target))
         return Fail(output, {arguments.target + ": would overwrite the source"});
-    Picture picture;
+    TargaPicture picture;
     Lines reasons;
     if (!loadTarga(arguments.source, picture, reasons))
         return Fail(output, reasons);
@@ -164,7 +164,7 @@ ExitCode fromPng(ConvertArguments const & arguments, Output const & output) {
 }
 
 ExitCode resave(ConvertArguments const & arguments, Output const & output) {
-    Picture picture;
+    TargaPicture picture;
     Lines reasons;
     if (!loadTarga(arguments.source, picture, reasons))
         return Fail(output, reasons);
