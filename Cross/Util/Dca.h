@@ -20,9 +20,9 @@ public:
 
     constexpr operator Dictionary::Key() const { return key; }
 
-    friend constexpr bool operator==(Key left, Key right) { return left.key == right.key; }
+    constexpr bool operator==(Key const & other) const { return key == other.key; }
 
-    friend constexpr bool operator<(Key left, Key right) { return left.key < right.key; }
+    constexpr bool operator<(Key const & other) const { return key < other.key; }
 
     static Key const INVALID;
 

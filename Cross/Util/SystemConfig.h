@@ -43,8 +43,9 @@ public:
     // Null outside Initialize and Shutdown.
     static SystemConfig * Instance();
 
-    SystemConfig(SystemConfig const &) = delete;
-    SystemConfig & operator=(SystemConfig const &) = delete;
+    // Member by member, the listeners and their numbers included.
+    SystemConfig(SystemConfig const &) = default;
+    SystemConfig & operator=(SystemConfig const &) = default;
 
     // The value, NOT_SET for an unknown key. The first read of a setting that nobody has set looks at the
     // command line: the number of an option of its name replaces the value, a bare option turns a switch on.

@@ -100,6 +100,12 @@ TEST(Dca, NamesHaveOneSpelling) {
     }
 }
 
+TEST(Dca, KeysStandInTheOrderOfUnsignedNumbers) {
+    dca::Key const low = dca::GetKey("health"), high = dca::GetKey(""); // 0x2D909FCC, 0xBD49D10D
+    EXPECT_TRUE(low < high && dca::Key() < low && dca::Key() == dca::Key::INVALID);
+    EXPECT_TRUE(!(high < low) && !(low < low) && low != high && !(low != low));
+}
+
 TEST(Dca, UnknownNamesAreNotStored) {
     for (char const * const name : {"never asked for", static_cast<char const *>(nullptr)}) {
         dca::Key key = dca::GetKey("known");
