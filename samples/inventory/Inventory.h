@@ -51,6 +51,8 @@ public:
         warehouse().AddHiddenResource(resource, type);
     }
 
+    static void GenerateName(char * out) { warehouse().GenerateName(out); }
+
     static unsigned int LoadResources(unsigned int maxItems, bool abort = false) {
         return warehouse().LoadResources(maxItems, abort);
     }

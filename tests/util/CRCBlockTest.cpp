@@ -44,6 +44,20 @@ protected:
     int count = 0;
 };
 
+// A client's own entries: one with a line of its own, and one that takes the print that prints nothing.
+struct Mark : CRCEntry {
+    void Print(LogFile & log) const override {
+        Indent(log);
+        log.puts("mark\n");
+    }
+
+    unsigned int SizeOf() const override { return sizeof(*this); }
+};
+
+struct Silent : CRCEntry {
+    unsigned int SizeOf() const override { return sizeof(*this); }
+};
+
 std::uint32_t crcOf(void const * bytes, std::size_t size) {
     return static_cast<std::uint32_t>(crc32(0, static_cast<Bytef const *>(bytes), static_cast<uInt>(size)));
 }
@@ -70,6 +84,16 @@ TEST_F(SyncLog, PrintsGroupsTwoBlanksALevel) {
                               "    alive: [ true <1> ]\n"
                               "  }\n"
                               "}\n");
+}
+
+TEST_F(SyncLog, PrintsTheEntriesOfItsClients) {
+    CRCBlock block;
+    {
+        CRCGroup const sim(block, key("Sim"));
+        AddEntry<Silent>(block);
+        AddEntry<Mark>(block);
+    }
+    EXPECT_EQ(Printed(block), "Total CRC: [ 0 ]\nSim: \n{\n  mark\n}\n");
 }
 
 // The depth belongs to all blocks: what one leaves open moves the next. Below 0 nothing is indented.

@@ -274,9 +274,9 @@ TEST_F(InvTest, BatchingCanBeTurnedOff) {
     EXPECT_TRUE(Front::IsDeferred(kind.Get("a").GetResource()));
     char const * const arguments[] = {"game", "-invbatchingoff"};
     for (bool const byOption : {true, false}) {
-        Inv::Shutdown();
+        Inv::Warehouse::Shutdown();
         Plat::Options::SetCommandLine(byOption ? 2 : 0, arguments);
-        Inv::Setup(byOption);
+        Inv::Warehouse::Setup(byOption);
         Inv::Setup(true); // a second set-up does nothing
         EXPECT_FALSE(Front::IsDeferred(kind.Get("a").GetResource())) << byOption;
     }
@@ -304,7 +304,11 @@ TEST_F(InvTest, TwinsWarnAndTheFirstIsFound) {
     // hidden ones warn not, are found by no name, and collide without being duplicated
     add("same", kind, true);
     EXPECT_STREQ(Front::GetName(add("Secret", kind, true)), "Secret") << "a chosen name stays as it is";
-    EXPECT_EQ(std::strlen(Front::GetName(add(nullptr, kind, true))), 38u);
+    char generated[40];
+    Front::GenerateName(generated);
+    char const * const unnamed = Front::GetName(add(nullptr, kind, true));
+    EXPECT_TRUE(std::strlen(unnamed) == 38 && std::strlen(generated) == 38);
+    EXPECT_STRNE(unnamed, generated);
     EXPECT_FALSE(kind.Find("secret"));
     add("secret", kind);
     EXPECT_EQ(warnings.texts,
@@ -554,6 +558,18 @@ TEST_F(InvTest, DumpsTellCountsAndStates) {
     kind.canDefer = true;
     kind.Get("later");
     bool const isGoneFirst = NameHashLower("gone") < NameHashLower("later"); // the order of the keys
+
+    Inv::DumpInfo const info = Front::Dump();
+    Log records;
+    for (auto const & bin : info.bins)
+        for (auto const & each : bin.resources)
+            records.push_back(std::string(bin.name) + ' ' + each.name + ' ' +
+                              std::to_string(each.references) + (each.loaded ? " loaded" : "") +
+                              (each.isDefault ? " default" : "") + (each.hidden ? " hidden" : ""));
+    Log expected = {"Test gone 3 loaded default", "Test later 1", "Another h 1 loaded hidden"};
+    if (!isGoneFirst)
+        std::swap(expected[0], expected[1]);
+    EXPECT_EQ(records, expected);
 
     Front::DumpToLogfile("inventory"); // without the option nothing is written
     EXPECT_EQ(folder.CountEntries(), 0u);

@@ -1,5 +1,6 @@
 #include "Cross/Util/KeyValueContainer.h"
 #include "Cross/Util/KeyValueContainerIO.h"
+#include "Cross/engine/scriptconfig/LuaConfig.h"
 
 #include "tests/support/FailingStream.h"
 #include "tests/support/StreamBytes.h"
@@ -148,6 +149,17 @@ TEST(KeyValueContainerIO, ComesBack) {
     KeyValueContainer other;
     EXPECT_TRUE(KeyValueContainerIO::Load(other, stream, "crate"));
     EXPECT_TRUE(other.Empty());
+}
+
+TEST(KeyValueContainerIO, TakesFromAStateAndLeavesItsCursor) {
+    LuaConfig state("", false);
+    ASSERT_TRUE(state.RunString(
+        "game = { box = { speed = 2 }, box_strings = { name = 'x' } }  box = { speed = 9 }", true));
+    state.PushTable("game");
+    KeyValueContainer container;
+    EXPECT_TRUE(KeyValueContainerIO::Load(container, state, "box"));
+    EXPECT_EQ(contentOf(container), (Content{{"speed", "2.000000"}, {"name$", "x"}}));
+    EXPECT_EQ(state.CountEntry(), 2u) << "the cursor is back at the game";
 }
 
 TEST(KeyValueContainerIO, AFailedSaveIsTold) {

@@ -108,7 +108,7 @@ TEST_F(RenderStatsTest, ShowsATable) {
 }
 
 TEST_F(RenderStatsTest, ModelsAreToldApartByTheirFileNames) {
-    std::string const longest(255, 'n'), shorter(254, 'n');
+    std::string const longest(RenderStats::c_maxName - 1, 'n'), shorter(254, 'n');
     std::pair<std::string, std::string> const cases[] = {
         // what stands behind the last slash counts, letter by letter
         {"data/art/tank.model", "tank.model"},

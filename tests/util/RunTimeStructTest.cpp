@@ -130,6 +130,30 @@ TEST(Layouts, HandlesCopyOnWrite) {
     EXPECT_EQ(a.GetInternalLayout(), moved.GetInternalLayout()) << "a moved-from layout stays whole";
 }
 
+// What a body does without a handle. Only a body with bytes has blocks, of exactly its size.
+TEST(Layouts, BodiesGiveOutBlocks) {
+    InternalLayout body;
+    EXPECT_EQ(body.AllocBufferData(), nullptr);
+    body.FreeBufferData(nullptr);
+    EXPECT_EQ(body.FindMemberIndex(Key(2)), -1);
+    EXPECT_TRUE(body.AddMember(Key(1), c_bool, 1) && body.AddMember(Key(2), c_vector, 2));
+    EXPECT_FALSE(body.AddMember(Key(2), c_bool, 1));
+    EXPECT_EQ(body.FindMemberIndex(Key(2)), 1);
+    MemPoolStats before, during, after;
+    MemPoolFindStats("RunTimeStruct", before);
+    void * const block = body.AllocBufferData();
+    MemPoolFindStats("RunTimeStruct", during);
+    body.FreeBufferData(block);
+    MemPoolFindStats("RunTimeStruct", after);
+    EXPECT_EQ(during.liveBytes, before.liveBytes + 25);
+    EXPECT_EQ(after.liveBytes, before.liveBytes);
+    EXPECT_TRUE(body.RemoveMember(Key(1)));
+    EXPECT_FALSE(body.RemoveMember(Key(1)));
+    EXPECT_EQ(body.FindMemberIndex(Key(2)), 0);
+    body.ClearAllMembers();
+    EXPECT_TRUE(body.GetMemberCount() == 0 && body.GetDataSize() == 0 && body.GetLayoutID() == 0);
+}
+
 TEST(Buffers, WithoutALayoutThereIsNothing) {
     Buffer buffer;
     Ref const ref(Key(1), c_float, 1);
@@ -163,6 +187,16 @@ TEST(Buffers, SetupKeepsTheBytesOfAnEqualLayoutAndCopiesHaveTheirOwn) {
     EXPECT_EQ(buffer.FindMember(Key(3)), nullptr);
     EXPECT_TRUE(buffer.Setup(layout));
     EXPECT_EQ(buffer.GetSize(), 17u);
+}
+
+TEST(Buffers, RefsTellWhatTheyExpect) {
+    Ref const ref(Key(7), c_vector, 3), none;
+    EXPECT_TRUE(ref.IsValid() && ref.GetKey() == Key(7) && ref.GetTypeInfo() == c_vector);
+    EXPECT_EQ(ref.GetLength(), 3u);
+    EXPECT_TRUE(ref.GetSize() == 36 && ref.GetTotalSize() == 36);
+    EXPECT_TRUE(!none.IsValid() && none.GetKey() == Key::INVALID && none.GetLength() == 0);
+    for (Ref const & fresh : {ref, none})
+        EXPECT_TRUE(fresh.GetLastLayoutID() == 0xFFFFFFFF && fresh.GetLastOffset() == 0);
 }
 
 TEST(Buffers, RefsRememberOneLayout) {
@@ -280,6 +314,7 @@ TEST(Copiers, AddedRefsMustAgree) {
     Buffer const from = bufferOf(layout, 'a');
     Buffer to = bufferOf(layout, '0');
     Copier copier;
+    copier.Reserve(8);
     TypeInfo const twin("float", 4); // a type is its object, whatever its name and size
     copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), &twin, 1));   // another type
     copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(2), c_float, 2)); // another size

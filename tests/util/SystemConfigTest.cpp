@@ -298,6 +298,17 @@ TEST_F(SystemConfigTest, SavesWhatLoadsAgain) {
         << "what a file defines is a switch or a number";
 }
 
+TEST_F(SystemConfigTest, SavesIntoAState) {
+    LuaConfig state("", false);
+    EXPECT_TRUE(config->Save(state));
+    std::uint32_t version = 0;
+    EXPECT_TRUE(LCGetULong(state, "version", version)) << "the cursor is back";
+    EXPECT_EQ(version, 1007u);
+    config->SetSetting(key("tanks"), 100);
+    EXPECT_TRUE(config->Load(state, false));
+    EXPECT_EQ(Get("tanks"), 3u);
+}
+
 TEST_F(SystemConfigTest, AFailedSaveKeepsTheOldFile) {
     AliasedFolder const folder("SAVES");
     folder.WriteFile("user.lua", "old");

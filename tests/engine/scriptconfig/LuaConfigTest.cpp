@@ -245,6 +245,9 @@ TEST(LuaConfigTest, GettersAreStrict) {
         EXPECT_EQ(n, kind == "n" ? 2.5 : 9);
         EXPECT_EQ(LCGetBool(config, name, b), kind == "b");
         EXPECT_EQ(b, kind != "b");
+        bool same = true;
+        EXPECT_EQ(config.GetBoolean(name, same), kind == "b");
+        EXPECT_EQ(same, b);
         EXPECT_EQ(LCGetString(config, name, s), kind == "s");
         EXPECT_EQ(s, kind == "s" ? std::string("1\0", 2) : "kept");
         EXPECT_EQ(config.GetString(name, buffer, 0), kind == "s");
@@ -266,6 +269,21 @@ TEST(LuaConfigTest, UnsignedNumbersFitOrFail) {
         EXPECT_EQ(LCGetULong(config, "v", value), expected != kept) << source;
         EXPECT_EQ(value, expected) << source;
     }
+}
+
+TEST(LuaConfigTest, FloatsAndUnsignedNumbersComeBackExactly) {
+    LuaConfig config("", false);
+    LuaConfigSave::FilePathOnImport(config);
+    EXPECT_EQ(config.CountEntry(), 0u) << "a fresh state stays empty";
+    LCSetFloat(config, "f", 0.1f);
+    LCSetULong(config, "u", 0xFFFFFFFF);
+    float f = 0.0f;
+    std::uint32_t u = 0;
+    double wide = 0.0;
+    EXPECT_TRUE(LCGetFloat(config, "f", f) && LCGetULong(config, "u", u) && config.GetNumber("u", wide));
+    EXPECT_EQ(f, 0.1f);
+    EXPECT_EQ(u, 0xFFFFFFFFu);
+    EXPECT_EQ(wide, 4294967295.0);
 }
 
 TEST(LuaConfigTest, WideTextIsCutBetweenCharacters) {

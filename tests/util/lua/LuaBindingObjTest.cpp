@@ -1,6 +1,7 @@
 #include "Cross/Util/lua/LuaBindingObj.h"
 
 #include "Cross/Util/Inv.h"
+#include "Cross/Util/lua/LuaLibNames.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "Cross/engine/scriptconfig/LuaLibMan.h"
 #include "Cross/engine/scriptconfig/LuaLibrary.h"
@@ -280,6 +281,9 @@ TEST(LuaLibraryTest, TheLibrariesStandInTheirOrder) {
     LuaLibMan::VisitLibraries([&names](char const * name, LuaLibrary &) { names.push_back(name); });
     EXPECT_EQ(names,
               (Texts{"renderstats", "debugrender", "inventory", "statgraph", "systemconfig", "warninglib"}));
+    EXPECT_EQ(names, (Texts{LUALIB_RENDERSTATS, LUALIB_DEBUGRENDER, LUALIB_INVENTORY, LUALIB_STATGRAPH,
+                            LUALIB_SYSTEMCONFIG, LUALIB_WARNING}));
+    EXPECT_STREQ(LUALIB_CHEATMENU, "cheatmenu");
 }
 
 namespace {
