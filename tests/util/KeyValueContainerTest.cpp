@@ -1,8 +1,9 @@
 #include "Cross/Util/KeyValueContainer.h"
 #include "Cross/Util/KeyValueContainerIO.h"
-#include "Cross/engine/scriptconfig/LuaConfig.h"
 
+#include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "tests/support/FailingStream.h"
+#include "tests/support/HeapLimit.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TraceCapture.h"
 
@@ -87,6 +88,25 @@ TEST(KeyValueContainer, ManyAtOnceGoInAsOneByOne) {
                                              {"a$", "y"},
                                              {"b$", "z"}}));
     EXPECT_STREQ(container.At(0), "ahyibdjr");
+}
+
+TEST(KeyValueContainer, RoomIsMadeInAdvance) {
+    std::vector<std::string> names;
+    for (int i = 0; i < 200; ++i)
+        names.push_back("room" + std::to_string(i));
+    KeyValueContainer container;
+    auto const fill = [&] {
+        for (std::string const & name : names) {
+            container.Set(name.c_str(), 1.0f);
+            container.SetString(name.c_str(), "");
+        }
+    };
+    fill(); // the dictionaries know the names from now on
+    container = KeyValueContainer();
+    container.Reserve(200);
+    container.ReserveString(200);
+    HeapLimit const limit(1000);
+    EXPECT_NO_THROW(fill());
 }
 
 TEST(KeyValueContainer, CopiesAreDeep) {

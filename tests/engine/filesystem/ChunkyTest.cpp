@@ -179,6 +179,26 @@ TEST(ChunkyReader, PopSkipsWhatWasNotReadAndAFolderCanBeReadAgain) {
     EXPECT_FALSE(chunky.PeekChunk(info));
 }
 
+// A name of a data chunk is for people: a reader that knows the chunk by its kind takes it with any.
+TEST(ChunkyReader, DataChunksMayHaveNames) {
+    FilledStream stream;
+    {
+        Chunky chunky(stream, 2);
+        chunky.WriteDataChunkName(c_item, 3, "first", -1);
+        chunky.Write(std::uint32_t{7});
+        chunky.PopChunk();
+    }
+    stream->SetPos(0);
+    Chunky chunky(stream, 0);
+    Chunky::ChunkInfo info;
+    ASSERT_TRUE(chunky.PeekChunk(info));
+    EXPECT_TRUE(info.kind == Chunky::CK_DATA && info.name == "first" && info.bodySize == 4);
+    EXPECT_EQ(chunky.ReadDataChunk(c_item, 3).GetVersion(), 3u);
+    std::uint32_t number = 0;
+    chunky.Read(number);
+    EXPECT_EQ(number, 7u);
+}
+
 TEST(ChunkyReader, WhatDoesNotFitIsRefusedAndMovesNothing) {
     std::string bytes = exampleBytes() + "behind the chunk";
     patch(bytes, 51, 7); // the data chunk ends inside its second word

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <initializer_list>
 #include <numeric>
 #include <stdexcept>
 #include <vector>
@@ -75,6 +76,18 @@ TEST(EndianConvertor, StoresEachTypeInThePlatformsOrder) {
     expectStored(true, c_swapped, "01");
     // a signalling NaN when swapped, which a trip through a register would change
     expectStored(std::bit_cast<float>(0x0100A07F), c_swapped, "0100A07F");
+}
+
+TEST(EndianConvertor, ComesAndGoesInTheMidstOfAStream) {
+    FilledStream stream;
+    EndianConvertor convertor(c_swapped);
+    ByteStreamAdapter adapter(stream, nullptr);
+    for (ByteStreamConverter * const used :
+         std::initializer_list<ByteStreamConverter *>{nullptr, &convertor, nullptr}) {
+        adapter.SetConverter(used);
+        adapter.Write(std::uint16_t{0x0102});
+    }
+    EXPECT_EQ(stream.Content(), FromHex("0201 0102 0201"));
 }
 
 TEST(EndianConvertor, LongArraysAreConvertedWithoutTouchingTheSource) {

@@ -3,6 +3,7 @@
 #include "Cross/engine/filesystem/RamStream.h"
 #include "Cross/engine/scriptconfig/GlobalLua.h"
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
+#include "Cross/engine/scriptconfig/LuaPrint.h"
 #include "tests/support/LuaScarcity.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceCapture.h"
@@ -452,6 +453,17 @@ TEST(LuaConfigTest, NamesStayRightWhenMoreAreReadThanAreKept) {
     config.RunString("for i = 1, 3000 do _G['field' .. i] = i end", true);
     for (int i = 1; i <= 6000; ++i)
         ASSERT_EQ(number(config, ("field" + std::to_string(i % 3000 + 1)).c_str()), i % 3000 + 1);
+}
+
+TEST(LuaPrintTest, LinesGoToTheSinkOrElseToTheOutput) {
+    std::string printed;
+    luaxSetPrintSink([](char const * text, void * to) { *static_cast<std::string *>(to) = text; }, &printed);
+    luax_print(nullptr, "%s %d", "line", 7);
+    luaxSetPrintSink(nullptr, nullptr);
+    EXPECT_EQ(printed, "line 7");
+    testing::internal::CaptureStdout();
+    luax_print(nullptr, "%s", "%n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "%n\n");
 }
 
 TEST(GlobalLuaTest, IsOneScriptStateUntilItIsShutDown) {
