@@ -1,0 +1,7 @@
+camera = {
+	distance = 38.5,
+	orbit = -17.25,
+}
+camera_strings = {
+	title = "Wide \"view\"",
+}
