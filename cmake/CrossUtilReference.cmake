@@ -11,7 +11,7 @@ if(NOT DOXYGEN OR NOT AWK)
 else()
     get_target_property(engine_headers CrossUtil_engine HEADER_SET)
     get_target_property(util_headers CrossUtil_util HEADER_SET)
-    file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/README.md" "${PROJECT_SOURCE_DIR}/docs/*.md"
+    file(GLOB guides CONFIGURE_DEPENDS "${PROJECT_SOURCE_DIR}/*.md" "${PROJECT_SOURCE_DIR}/docs/*.md"
          "${PROJECT_SOURCE_DIR}/bench/README.md")
     list(JOIN guides "\" \"" guides)
     list(TRANSFORM engine_headers PREPEND "${PROJECT_SOURCE_DIR}/Cross/engine/" REGEX "^[^/]")

@@ -1,4 +1,5 @@
 # Runs the shell blocks of the guides: cmake -D ROOT=. -D BUILD=build/dev -D WORK=scratch -P cmake/RunSnippets.cmake
+# With -D GUIDE=installing only those of docs/installing.md, which the run without it leaves out: they install and need a compiler.
 #
 # Each guide, docs/*.md, README.md and bench/README.md, gets an empty folder below WORK with the files of tests/docs/files, and what
 # the commands name of the tree: build/dev stands for BUILD. Its ```sh blocks run there in their order, line by line. A line fails
@@ -8,7 +9,7 @@
 cmake_minimum_required(VERSION 3.25)
 
 # Lines that do not run: they install packages, or build the whole tree again.
-set(exceptions "^sudo apt-get " "^\\./scripts/(sandbox|test) " "^cmake --preset release " "^build/release/bench/")
+set(exceptions "^sudo " "^\\./scripts/(sandbox|test|package) " "^cmake --preset release " "^build/release/bench/")
 
 # The next block of `rest`: what stands above it, its language and its text, with its last line end. No language at the end.
 macro(take_block)
@@ -105,6 +106,11 @@ file(GLOB guides "${ROOT}/docs/*.md")
 if(NOT guides)
     message(FATAL_ERROR "No guides in ${ROOT}/docs")
 endif()
+if(GUIDE)
+    run_guide("${ROOT}/docs/${GUIDE}.md" "${WORK}/${GUIDE}")
+    return()
+endif()
+list(REMOVE_ITEM guides "${ROOT}/docs/installing.md")
 foreach(guide IN LISTS guides)
     get_filename_component(name "${guide}" NAME_WE)
     run_guide("${guide}" "${WORK}/${name}")

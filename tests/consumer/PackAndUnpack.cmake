@@ -2,8 +2,9 @@
 file(REMOVE_RECURSE "${FOLDER}")
 file(MAKE_DIRECTORY "${FOLDER}")
 find_program(DPKG_DEB dpkg-deb)
+find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
 set(kinds TGZ)
-if(DPKG_DEB)
+if(DPKG_DEB AND DPKG_SHLIBDEPS)
     set(kinds TGZ;DEB)
 endif()
 execute_process(COMMAND ${CPACK} -G "${kinds}" -B "${FOLDER}" WORKING_DIRECTORY "${BUILD}" OUTPUT_QUIET
@@ -24,7 +25,7 @@ cmake_path(GET tarball FILENAME name)
 string(REGEX REPLACE "\\.tar\\.gz$" "" name "${name}")
 file(RENAME "${FOLDER}/${name}" "${FOLDER}/unpacked")
 
-if(DPKG_DEB)
+if(DPKG_DEB AND DPKG_SHLIBDEPS)
     find_package_file(package "crossutil_${VERSION}_*.deb")
     execute_process(COMMAND ${DPKG_DEB} -c "${package}" OUTPUT_VARIABLE content COMMAND_ERROR_IS_FATAL ANY)
     foreach(file "lib/libcrossutil.so.1 " "lib/libcrossengine.so.${VERSION}\n" "include/Cross/Util/Dictionary.h\n"
