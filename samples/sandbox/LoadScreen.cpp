@@ -17,6 +17,7 @@ namespace {
 constexpr unsigned int c_tablesPerSlice = 8;
 constexpr unsigned int c_assetsPerSlice = 4;
 constexpr int c_barWidth = 40;
+constexpr float c_picturedProgress = 0.75f;
 
 char const * const c_frame = "Loading";
 constexpr MathPrim::Colour c_bright = MathPrim::Colour::FromWord(0xFFFFFFFF);
@@ -220,20 +221,20 @@ bool LoadScreen::loadOnce() {
         }
         float const progress = manager.LoadProgress();
         progressWasSteady = progressWasSteady && progress >= shown;
-        show(progress);
-        if (shown < 0.75f && progress >= 0.75f)
-            stage.TakePicture("loading");
+        show(progress, shown < c_picturedProgress && progress >= c_picturedProgress);
         shown = progress;
         if (result == InitList::Finished)
             return true;
     }
 }
 
-void LoadScreen::show(float progress) {
-    stage.BeginFrame();
+void LoadScreen::show(float progress, bool pictured) {
+    stage.BeginFrame(pictured);
     drawBar(progress, events);
     DebugRender::Display();
     stage.EndFrame();
+    if (pictured)
+        stage.TakePicture("loading");
     if (isatty(STDOUT_FILENO) != 0)
         printBar(progress);
     else if (events.size() != told)

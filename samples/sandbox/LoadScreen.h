@@ -32,7 +32,7 @@ public:
 
 private:
     bool loadOnce();
-    void show(float progress);
+    void show(float progress, bool pictured);
     char const * news();
 
     Stage & stage;

@@ -59,7 +59,7 @@ public:
 private:
     void dressUnits();
     void takeInput(Renderer & window);
-    bool runFrame();
+    bool runFrame(bool pictured);
     void playWindow();
     void playFrames();
     void playKeys();
@@ -137,8 +137,8 @@ ShowResult Show::Play() {
 }
 
 // False when the game is over.
-bool Show::runFrame() {
-    if (isOver || !stage.BeginFrame())
+bool Show::runFrame(bool pictured) {
+    if (isOver || !stage.BeginFrame(pictured))
         return false;
     loop.RunFrame();
     stage.EndFrame();
@@ -147,7 +147,7 @@ bool Show::runFrame() {
 }
 
 void Show::playWindow() {
-    while (runFrame())
+    while (runFrame(false))
         while (options.console && console.RunNext(false))
             continue;
 }
@@ -155,7 +155,7 @@ void Show::playWindow() {
 // The game waits for the lines of the console and lives on for a frame behind each.
 void Show::playFrames() {
     while (options.console && console.RunNext(true))
-        runFrame();
+        runFrame(false);
     if (options.keys.empty())
         playAlone();
     else
@@ -165,8 +165,8 @@ void Show::playFrames() {
 void Show::playKeys() {
     for (std::size_t i = 0; i < options.keys.size(); ++i) {
         PressKey(loop, options.keys[i].c_str());
-        for (unsigned int frame = 0; frame < c_framesPerKey; ++frame)
-            runFrame();
+        for (unsigned int frame = 1; frame <= c_framesPerKey; ++frame)
+            runFrame(frame == c_framesPerKey);
         std::string const number = std::to_string(i + 1);
         if (!stage.TakePicture("key-" + std::string(number.size() < 2 ? 1 : 0, '0') + number + "-" +
                                options.keys[i]))
@@ -176,8 +176,9 @@ void Show::playKeys() {
 
 void Show::playAlone() {
     for (unsigned int frame = 1; frame <= options.frames; ++frame) {
-        runFrame();
-        if (isPictured(frame, options.frames) && !stage.TakePicture("frame-" + std::to_string(frame)))
+        bool const pictured = isPictured(frame, options.frames);
+        runFrame(pictured);
+        if (pictured && !stage.TakePicture("frame-" + std::to_string(frame)))
             return;
         direct(frame);
     }

@@ -65,10 +65,13 @@ DebugRenderProxy * Stage::Proxy() {
     return renderer.get();
 }
 
-bool Stage::BeginFrame() {
+bool Stage::BeginFrame(bool pictured) {
     if (clock)
         clock->Advance(GameLoop::c_step);
-    return !renderer || renderer->Begin();
+    if (!renderer)
+        return true;
+    renderer->paints = isWindow || pictured;
+    return renderer->Begin();
 }
 
 void Stage::EndFrame() {

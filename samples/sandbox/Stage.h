@@ -39,12 +39,13 @@ public:
 
     bool IsWindow() const { return isWindow; }
 
-    // Round all that is drawn in a frame. False when the window was closed.
-    bool BeginFrame();
+    // Round all that is drawn in a frame. Without a window only one that is `pictured` is painted, which
+    // takes its time. False when the window was closed.
+    bool BeginFrame(bool pictured);
     void EndFrame();
 
-    // Writes what the last frame drew, to a file of the pictures' folder or a path of its own. True also
-    // where there is no screen to take it from.
+    // Writes what the last frame drew, which was pictured, to a file of the pictures' folder or a path of its
+    // own. True also where there is no screen to take it from.
     bool TakePicture(std::string const & name) { return SavePicture(options.pictures + "/" + name + ".png"); }
 
     bool SavePicture(std::string const & path);
