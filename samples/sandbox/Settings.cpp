@@ -56,7 +56,9 @@ void addShowOptions(CLI::App & app, Settings & settings) {
         ->group(group);
     app.add_option("--shot", settings.show.shot, "Write a picture of the last frame to FILE")
         ->option_text("FILE.png")
-        ->group(group);
+        ->group(group)
+        ->excludes("--record")
+        ->excludes("--blind");
     app.add_option("--menu", settings.menu, "Show the menu of this script; one that is saved loads again")
         ->option_text("FILE [data/menu.lua]")
         ->group(group);
