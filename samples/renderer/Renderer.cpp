@@ -37,7 +37,8 @@ bool Renderer::Begin() {
     SDL_Event event;
     while (canvas->IsWindow() && SDL_PollEvent(&event))
         handle(event);
-    canvas->Clear(background);
+    if (paints)
+        canvas->Clear(background);
     return open;
 }
 
@@ -59,6 +60,14 @@ void Renderer::DrawTextured(MathPrim::Mesh const & mesh, Math::Matrix43f const &
 }
 
 void Renderer::Display() {
+    if (paints)
+        paint();
+    for (Frame & frame : frames)
+        if (frame.autoClear)
+            frame.shapes.clear();
+}
+
+void Renderer::paint() {
     ImVec2 const size = canvas->Size();
     Pieces scene(Pieces::Order::BackToFront, size), sceneInFront(Pieces::Order::BackToFront, size);
     Pieces flat(Pieces::Order::AsAdded, size), flatInFront(Pieces::Order::AsAdded, size);
@@ -72,9 +81,6 @@ void Renderer::Display() {
     for (Pieces * const pieces : {&scene, &sceneInFront, &flat, &flatInFront})
         pieces->Paint(list, canvas->TextHeight());
     canvas->Flush();
-    for (Frame & frame : frames)
-        if (frame.autoClear)
-            frame.shapes.clear();
 }
 
 void Renderer::List(std::vector<char const *> & names) { frames.List(names); }

@@ -46,7 +46,8 @@ public:
     Renderer & operator=(Renderer const &) = delete;
     ~Renderer() override;
 
-    Camera camera; // in a window the left button turns it about its target, the wheel zooms
+    Camera camera;      // in a window the left button turns it about its target, the wheel zooms
+    bool paints = true; // set before Begin; off, the frame takes little time and there is no picture of it
     MathPrim::Colour background = MathPrim::Colour::FromWord(0xFF161B20);
 
     // For a window, called by Begin; each may be empty. Keys have the names that SDL gives them: "A", "Up",
@@ -114,6 +115,7 @@ private:
 
     static std::unique_ptr<Renderer> on(std::unique_ptr<Canvas> canvas);
 
+    void paint();
     void keep(Shape shape, char const * frame);
     void handle(SDL_Event const & event);
     void pick(int x, int y) const;

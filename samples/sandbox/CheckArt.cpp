@@ -63,7 +63,7 @@ void checkReload(Report & report, Game const & game) {
 } // namespace
 
 void CheckArt(Report & report, Game & game) {
-    report.Begin("art");
+    report.Begin(Subsystem::Codecs);
     checkPictures(report, game);
     checkModel(report, game);
     checkReload(report, game);

@@ -5,24 +5,11 @@
 #include "Cross/Util/ConfigFile.h"
 #include "Cross/Util/KeyValueContainer.h"
 #include "Cross/Util/KeyValueContainerIO.h"
-#include "Cross/engine/core/Types.h"
-#include "Cross/engine/core/Utf.h"
 #include "Cross/engine/filesystem/ByteStream.h"
 #include "Cross/engine/filesystem/FilePath.h"
-
-#include <cstring>
+#include "samples/sandbox/Files.h"
 
 namespace {
-
-// The real path of an aliased one: sectioned files know no aliases.
-std::u16string realPath(char const * aliased) {
-    char path[c_maxPath];
-    std::strncpy(path, aliased, sizeof(path));
-    FilePath::ConvertFromAlias(path, c_streamRead, nullptr);
-    std::u16string wide;
-    utf::ToUtf16Strict(path, wide);
-    return wide;
-}
 
 // All entries, as "[section]key=value;".
 std::string contentOf(ConfigFile const & file) {
@@ -42,16 +29,16 @@ std::string contentOf(ConfigFile const & file) {
 void checkVideo(Report & report) {
     ConfigFile video;
     int width = 0;
-    report.Expect(video.Load(realPath("DATA:video.ini").c_str()) && video.GetInt("width", width) &&
+    report.Expect(video.Load(WideRealPath("DATA:video.ini").c_str()) && video.GetInt("width", width) &&
                       width == 1280,
                   "the video settings say 1280 pixels");
     report.Expect(video.SetInt("width", 1920) && video.SetInt("height", 1080), "they can be changed");
-    std::u16string const saved = realPath("SCRATCH:video.ini");
+    std::u16string const saved = WideRealPath("SCRATCH:video.ini");
     report.Expect(video.Save(saved.c_str()), "they are saved");
     ConfigFile again;
     report.Expect(again.Load(saved.c_str()) && contentOf(again) == contentOf(video),
                   "they come back as saved");
-    report.Evidence("video settings " + contentOf(again) + " came back");
+    report.Evidence("video settings came back: " + contentOf(again));
 }
 
 bool loadCamera(KeyValueContainer & camera, char const * path) {
@@ -86,7 +73,7 @@ void checkCamera(Report & report) {
 } // namespace
 
 void CheckConfigFiles(Report & report) {
-    report.Begin("configuration files");
+    report.Begin(Subsystem::Configuration);
     checkVideo(report);
     checkCamera(report);
 }

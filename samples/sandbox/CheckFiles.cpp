@@ -29,7 +29,7 @@ public:
 } // namespace
 
 void CheckFiles(Report & report) {
-    report.Begin("files");
+    report.Begin(Subsystem::Engine);
     char const * const path = "SCRATCH:notes/today.txt";
 
     report.Expect(WriteWholeFile(path, "first"), "a new file is written, with its folder");

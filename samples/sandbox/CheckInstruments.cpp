@@ -4,12 +4,12 @@
 #include "samples/sandbox/Checks.h"
 
 #include "Cross/Util/CRCBlock.h"
-#include "Cross/Util/DebugRender.h"
 #include "Cross/Util/FilePathLogger.h"
 #include "Cross/Util/LogFile.h"
 #include "Cross/Util/RenderStats.h"
 #include "Cross/Util/StatGraph.h"
 #include "Cross/Util/StatgraphFile.h"
+#include "Cross/Util/WarningTrace.h"
 #include "Cross/engine/core/Types.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/diagnostics/Warning.h"
@@ -18,6 +18,7 @@
 #include "samples/sandbox/Console.h"
 #include "samples/sandbox/Files.h"
 #include "samples/sandbox/GameLoop.h"
+#include "samples/sandbox/ProxySwap.h"
 #include "samples/sandbox/StepClock.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ std::size_t countOf(std::string const & text, std::string_view part) {
 std::uint32_t runFrames(Game & game, DebugRenderProxy * proxy) {
     StepClock clock;
     game.world = Simulation(20261123, 12);
-    DebugRender::Register(proxy);
+    ProxySwap const swap(proxy);
     RenderStats::Instance()->Enable(true);
     RenderStats::Instance()->SetSortMode(RenderStats::SortTris);
     GameLoop loop(game);
@@ -58,7 +59,6 @@ std::uint32_t runFrames(Game & game, DebugRenderProxy * proxy) {
         loop.RunFrame();
     }
     RenderStats::Instance()->Enable(false);
-    DebugRender::Unregister(proxy);
     CRCBlock block;
     game.world.RecordTo(block, false);
     return block.GetCRC();
@@ -75,8 +75,8 @@ void checkGraph(Report & report, Game & game) {
     std::string const log = logName("statgraph", ".txt");
     std::string const rows = ReadWholeFile(log.c_str());
     report.Expect(countOf(rows, "\n") == c_frames + 1, "the graph's file has a row per frame and its head");
-    report.Expect(rows.ends_with("time,alive,draw,simulate,\n"), "three channels have columns");
-    report.Evidence(std::to_string(c_frames) + " frames fed 3 channels into " + log);
+    report.Expect(rows.ends_with("time,alive,draw,health,simulate,\n"), "four channels have columns");
+    report.Evidence(std::to_string(c_frames) + " frames fed 4 channels into " + log);
 
     report.Expect(runFrames(game, &second) == crc && runFrames(game, nullptr) == crc,
                   "the simulation is the same with and without a renderer");
@@ -137,18 +137,22 @@ struct TraceWatch {
 };
 
 void checkWarnings(Report & report) {
+    constexpr std::uint32_t c_category = FourCC("SBOX");
     TraceWatch const watch;
+    EnableWarningTraceOutput(c_category);
+    dbWarningfAux(c_category, "the bridge is %s", "out");
+    SetWarningTraceOutput(c_category, false);
     report.Expect(RunConsoleLine("WarningEnable('SBOX')").good, "a script switches warnings on");
-    dbWarningfAux(FourCC("SBOX"), "the bridge is %s", "out");
-    report.Expect(RunConsoleLine("WarningDisable('SBOX')").good, "and off");
-    report.Expect(watch.lines == "the bridge is out\n", "the warning is in the trace: " + watch.lines);
-    report.Evidence("warnings switched on by script reached the trace");
+    dbWarningfAux(c_category, "the bridge is %s", "back");
+    DisableWarningTraceOutput(c_category);
+    report.Expect(watch.lines == "the bridge is out\nthe bridge is back\n", "in the trace: " + watch.lines);
+    report.Evidence("warnings switched on by the game and by script reached the trace");
 }
 
 } // namespace
 
 void CheckInstruments(Report & report, Game & game) {
-    report.Begin("instruments");
+    report.Begin(Subsystem::Instruments);
     checkGraph(report, game);
     checkPicking(report, game);
     checkFileLog(report);

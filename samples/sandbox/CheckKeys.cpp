@@ -49,7 +49,7 @@ bool comesBack(Dictionary const & names) {
 } // namespace
 
 void CheckKeys(Report & report, std::vector<Asset> const & assets) {
-    report.Begin("keys");
+    report.Begin(Subsystem::Keys);
     Dictionary names(true);
     std::size_t fields = 0;
     for (Asset const & asset : assets) {
@@ -74,5 +74,8 @@ void CheckKeys(Report & report, std::vector<Asset> const & assets) {
 
     report.Expect(comesBack(names), "the dictionary keeps its keys in a file");
     report.Expect(dca::GetKey("Units/Tank") == dca::GetKey("units\\tank"), "paths have one spelling");
-    report.Evidence("they kept their keys in a file");
+    report.Expect(dca::GetKeyForNumber(17) == dca::GetKey("17") &&
+                      s_numberToKeyVector[17] == dca::GetKey("17"),
+                  "a number has the key of its text");
+    report.Evidence("a dictionary kept its keys in a file");
 }

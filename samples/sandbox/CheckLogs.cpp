@@ -19,7 +19,7 @@ std::size_t countLines(char const * path) {
 } // namespace
 
 void CheckLogs(Report & report, std::vector<Asset> const & assets) {
-    report.Begin("logs");
+    report.Begin(Subsystem::Keys);
     // Ten logs of one name and stamp is all there can be, and runs may share a second: the process makes the
     // name its own.
     std::string const name = "Assets-" + std::to_string(getpid());
@@ -42,5 +42,5 @@ void CheckLogs(Report & report, std::vector<Asset> const & assets) {
                   "a second log of the same name is created");
     second.puts("the first one is kept");
     report.Expect(countLines(path) == assets.size(), "the first log is never overwritten");
-    report.Evidence("a second one of that name went beside it");
+    report.Evidence("a second log of that name went beside it");
 }

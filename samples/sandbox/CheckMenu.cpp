@@ -2,14 +2,14 @@
 
 #include "samples/sandbox/Checks.h"
 
-#include "Cross/Util/DebugRender.h"
+#include "Cross/Util/CheatMenu.h"
 #include "Cross/Util/StatGraph.h"
 #include "samples/debugdraw/RecordingProxy.h"
 #include "samples/sandbox/Console.h"
 #include "samples/sandbox/Files.h"
 #include "samples/sandbox/GameKeys.h"
-#include "samples/sandbox/GameMenu.h"
 #include "samples/sandbox/GameScripts.h"
+#include "samples/sandbox/ProxySwap.h"
 #include "samples/sandbox/StepClock.h"
 
 #include <sstream>
@@ -21,14 +21,12 @@ constexpr char const * c_menuFile = "SCRATCH:menu.lua";
 // A running game with its menu and what was drawn of it.
 class Session {
 public:
-    explicit Session(Game & game) : loop(game), scripts(loop), menu(c_menuFile), recorder(drawn) {
-        DebugRender::Register(&recorder);
-    }
+    explicit Session(Game & game) : loop(game), scripts(loop) {}
 
     Session(Session const &) = delete;
     Session & operator=(Session const &) = delete;
 
-    ~Session() { DebugRender::Unregister(&recorder); }
+    ~Session() { CheatMenu::Instance()->Enable(false); }
 
     // Presses keys, with a frame behind each, and gives what the last frame drew.
     std::string Press(std::string const & keys) {
@@ -47,9 +45,9 @@ private:
     StepClock clock;
     GameLoop loop;
     GameScripts scripts;
-    GameMenu menu;
     std::ostringstream drawn;
-    RecordingProxy recorder;
+    RecordingProxy recorder{drawn};
+    ProxySwap swap{&recorder};
 };
 
 bool shows(std::string const & drawn, std::string const & text) {
@@ -77,18 +75,21 @@ void checkReload(Report & report, std::string text, Session & session) {
         return;
     report.Expect(WriteWholeFile(c_menuFile, text.replace(place, 7, "\"Army\"")), "the menu file is saved");
     session.RunFrame();
-    report.Expect(shows(session.Press("up"), "Army"), "a saved menu file is loaded again");
+    // Back to the first line, where the game will open its menu.
+    report.Expect(shows(session.Press("up up"), "Army"), "a saved menu file is loaded again");
     report.Evidence("an edited menu file came in while it was open");
 }
 
 } // namespace
 
-void CheckMenu(Report & report, Game & game) {
-    report.Begin("menu");
+void CheckMenu(Report & report, Game & game, char const * menuFile) {
+    report.Begin(Subsystem::Menu);
     std::string const text = ReadWholeFile("DATA:menu.lua");
     report.Expect(WriteWholeFile(c_menuFile, text), "the menu file is copied");
+    game.menu->Load(c_menuFile);
     Session session(game);
     report.Expect(RunConsoleLine("set_tanks(8)").good, "the game begins with 8 tanks");
     checkValues(report, game, session);
     checkReload(report, text, session);
+    game.menu->Load(menuFile);
 }

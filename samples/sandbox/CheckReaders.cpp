@@ -102,7 +102,7 @@ struct Comparison {
 } // namespace
 
 void CheckReaders(Report & report, std::vector<Asset> const & assets) {
-    report.Begin("readers");
+    report.Begin(Subsystem::Tables);
     unsigned int values = 0;
     unsigned int tables = 0;
     for (Asset const & asset : assets) {

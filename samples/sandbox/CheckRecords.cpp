@@ -22,7 +22,7 @@ RunTimeStruct::Layout networkLayout() {
 } // namespace
 
 void CheckRecords(Report & report) {
-    report.Begin("records");
+    report.Begin(Subsystem::Records);
     Simulation world(7, 40);
     world.Step();
     RunTimeStruct::Layout const full = Simulation::UnitLayout(), packet = networkLayout();

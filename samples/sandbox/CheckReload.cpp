@@ -1,5 +1,6 @@
 #include "samples/sandbox/Checks.h"
 
+#include "Cross/engine/core/Text.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "samples/sandbox/BuildTable.h"
 #include "samples/sandbox/Files.h"
@@ -13,10 +14,16 @@ std::string withSpeed(std::string const & script, std::string const & speed) {
     return script.substr(0, begin) + "speed = " + speed + script.substr(end);
 }
 
+std::string shortest(float number) {
+    std::string text;
+    text::Printf(text, "%g", static_cast<double>(number));
+    return text;
+}
+
 } // namespace
 
 void CheckReload(Report & report, Game & game) {
-    report.Begin("live reload");
+    report.Begin(Subsystem::Inventory);
     Asset const asset{"units", "light_tank"};
     inventory::Handle<Unit> const tank = game.units.Find("units/light_tank");
     if (!report.Expect(tank && tank.Get(), "the tank is loaded"))
@@ -33,12 +40,12 @@ void CheckReload(Report & report, Game & game) {
     FilePath::PumpFileChanges();
     report.Expect(tank->speed == 99.5f && game.journal.reloads == reloads + 1,
                   "one reload brings the new speed");
-    report.Evidence("an edited file changed the speed behind the same handle from " + std::to_string(before) +
-                    " to " + std::to_string(tank->speed));
+    report.Evidence("an edited file changed the speed behind the same handle from " + shortest(before) +
+                    " to " + shortest(tank->speed));
 
     report.Expect(BuildTable(asset, error), error);
     FilePath::PumpFileChanges();
     report.Expect(tank->speed == before && tank->reach == reach,
                   "the file as it was brings the old tank back");
-    report.Evidence("and back");
+    report.Evidence("the file as it was brought the old speed back");
 }

@@ -1,9 +1,26 @@
 #include "samples/sandbox/Checks.h"
 
+#include "Cross/Util/lua/LuaLibNames.h"
+#include "Cross/engine/scriptconfig/LuaLibMan.h"
 #include "samples/sandbox/Console.h"
 
+namespace {
+
+// The libraries that entered themselves when the library was loaded, in the order of its static objects.
+void checkLibraries(Report & report) {
+    std::vector<std::string> names;
+    LuaLibMan::VisitLibraries([&](char const * name, LuaLibrary &) { names.push_back(name); });
+    std::vector<std::string> const expected = {LUALIB_RENDERSTATS, LUALIB_DEBUGRENDER,  LUALIB_INVENTORY,
+                                               LUALIB_STATGRAPH,   LUALIB_SYSTEMCONFIG, LUALIB_WARNING};
+    report.Expect(names == expected, "the script libraries are there, in their order");
+    report.Evidence(std::to_string(names.size()) + " script libraries entered themselves");
+}
+
+} // namespace
+
 void CheckScripts(Report & report) {
-    report.Begin("scripts");
+    report.Begin(Subsystem::Engine);
+    checkLibraries(report);
 
     struct Case {
         char const * line;

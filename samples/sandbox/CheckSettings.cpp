@@ -51,7 +51,7 @@ void checkMemory(Report & report) {
     unsigned int const cost = estimatedMemory();
     report.Expect(config.GetEstimatedBaseMemoryUsage() == 180 * 1024, "the base memory is that of the file");
     report.Expect(cost > 0, "the settings cost memory");
-    report.Evidence("they cost " + std::to_string(cost) + " KB of " +
+    report.Evidence("the settings cost " + std::to_string(cost) + " KB of " +
                     std::to_string(config.GetAllowableOverflow()) + " KB allowable overflow");
 }
 
@@ -62,7 +62,7 @@ void checkScript(Report & report, Game const & game) {
     report.Expect(!RunConsoleLine("sysconfig_setsetting('tanks', 2.5)").good &&
                       game.world.GetUnits().size() == 25,
                   "half a tank is refused");
-    report.Evidence("a script made them 25");
+    report.Evidence("a script made 25 tanks");
 }
 
 // Saves, lets an "editor" change one value in the file, and loads it again.
@@ -83,13 +83,13 @@ void checkSavedFile(Report & report, Game const & game) {
     report.Expect(SystemConfig::Instance()->Load(c_savePath, false) && currentValues() == expected,
                   "the edited file brings exactly its change");
     report.Expect(game.world.GetUnits().size() == 31, "the listener hears of a load");
-    report.Evidence("saved, edited by hand and loaded with exactly that change");
+    report.Evidence("settings were saved, edited by hand and loaded with exactly that change");
 }
 
 } // namespace
 
 void CheckSettings(Report & report, Game const & game) {
-    report.Begin("settings");
+    report.Begin(Subsystem::Configuration);
     checkCommandLine(report, game);
     checkMemory(report);
     checkScript(report, game);

@@ -21,7 +21,7 @@ constexpr unsigned int c_frames = 300;
 constexpr unsigned int c_nudgedUnit = 17;
 
 // What this seed gives in every build, on every machine.
-constexpr std::uint32_t c_finalCRC = 0xA0627B37;
+constexpr std::uint32_t c_finalCRC = 0x15B7B566;
 
 // Steps both worlds, the second of which drifts at the start of a frame, 0 for never, and gives the first
 // frame after which they differ. The blocks hold that frame then, else the last one.
@@ -62,7 +62,7 @@ std::string placeOf(SyncReport const & report) {
 } // namespace
 
 void CheckSync(Report & report, unsigned int driftFrame) {
-    report.Begin("sync");
+    report.Begin(Subsystem::Determinism);
     CRCBlock left, right;
     report.Expect(!firstDrift(0, left, right), "two worlds of one seed agree in every frame");
     std::string crc;

@@ -25,17 +25,17 @@ unsigned int check(Asset const & asset, Report & report) {
 } // namespace
 
 void CheckTables(Report & report, std::vector<Asset> const & assets) {
-    report.Begin("tables");
+    report.Begin(Subsystem::Tables);
     std::size_t bytes = 0;
     for (Asset const & asset : assets)
         bytes += check(asset, report);
     report.Expect(assets.size() >= 30, "at least 30 attribute files are built");
     report.Evidence(std::to_string(assets.size()) + " scripts of 2 kinds became tables of " +
                     std::to_string(bytes) + " bytes");
-    report.Evidence("each verified, each CRC read alone equals the loaded one");
+    report.Evidence("each table verified, each CRC read alone equals the loaded one");
 
     BinaryConfig missing;
     report.Expect(!BinaryConfigIO::Load("GENERIC:units/nobody.attr", missing) && missing.GetCount() == 0,
                   "a missing table does not load");
-    report.Evidence("a missing one was refused");
+    report.Evidence("a missing table was refused");
 }

@@ -4,6 +4,8 @@
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 
 #include <lua.hpp>
+#include <poll.h>
+#include <unistd.h>
 
 #include <iostream>
 
@@ -42,11 +44,43 @@ ConsoleAnswer RunConsoleLine(std::string const & line) {
     return answer;
 }
 
-void RunConsole() {
-    for (std::string line; std::cout << "> " << std::flush && std::getline(std::cin, line);) {
-        ConsoleAnswer const answer = RunConsoleLine(line);
-        if (!answer.text.empty())
-            std::cout << (answer.good ? "" : "error: ") << answer.text << '\n';
-    }
-    std::cout << '\n';
+Console::Console() : isTyped(isatty(STDIN_FILENO) != 0) {}
+
+Console::~Console() {
+    if (isPrompted)
+        std::cout << std::endl;
+}
+
+bool Console::RunNext(bool wait) {
+    if (!isPrompted)
+        std::cout << "> " << std::flush;
+    isPrompted = true;
+    std::size_t length = 0;
+    while ((length = input.find('\n')) == std::string::npos)
+        if (!read(wait))
+            return false;
+    std::string const line = input.substr(0, length);
+    input.erase(0, length + 1);
+    if (!isTyped)
+        std::cout << line << '\n';
+    ConsoleAnswer const answer = RunConsoleLine(line);
+    isPrompted = false;
+    if (!answer.text.empty())
+        std::cout << (answer.good ? "" : "error: ") << answer.text << '\n';
+    return true;
+}
+
+// Takes in what there is, behind a last line its missing end. False when nothing came.
+bool Console::read(bool wait) {
+    pollfd source{STDIN_FILENO, POLLIN, 0};
+    if (ended || poll(&source, 1, wait ? -1 : 0) <= 0)
+        return false;
+    char bytes[512];
+    ssize_t const count = ::read(STDIN_FILENO, bytes, sizeof(bytes));
+    ended = count <= 0;
+    if (!ended)
+        input.append(bytes, static_cast<std::size_t>(count));
+    else
+        input += input.empty() ? "" : "\n";
+    return !input.empty();
 }

@@ -12,5 +12,23 @@ struct ConsoleAnswer {
 
 ConsoleAnswer RunConsoleLine(std::string const & line);
 
-// Reads lines from standard input until its end and prints each answer.
-void RunConsole();
+// The lines of standard input.
+class Console {
+public:
+    Console();
+    Console(Console const &) = delete;
+    Console & operator=(Console const &) = delete;
+    ~Console();
+
+    // Runs the next line and prints its answer, and the line itself when nobody typed it here. False when
+    // none ran: at the end of the input, or, if not to `wait`, when none is there yet.
+    bool RunNext(bool wait);
+
+private:
+    bool read(bool wait);
+
+    std::string input; // what was read and did not run yet
+    bool ended = false;
+    bool isPrompted = false;
+    bool const isTyped;
+};

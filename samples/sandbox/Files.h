@@ -2,6 +2,12 @@
 
 #include <string>
 
+// The real path of an aliased one.
+std::string RealPath(std::string const & aliased);
+
+// The same in UTF-16 for sectioned files, which know no aliases.
+std::u16string WideRealPath(char const * aliased);
+
 // The whole content of a file by its aliased path; "" when it does not open.
 std::string ReadWholeFile(char const * path);
 

@@ -1,11 +1,12 @@
 #pragma once
 
-// What the sample game holds while it runs.
+// What the sample game holds while it runs, and how it brings the library up and down.
 
 #include "samples/inventory/Inventory.h"
 #include "samples/sandbox/Assets.h"
 #include "samples/sandbox/GameArt.h"
 #include "samples/sandbox/GameAssets.h"
+#include "samples/sandbox/GameMenu.h"
 #include "samples/sandbox/GameSettings.h"
 #include "samples/sandbox/Simulation.h"
 
@@ -13,11 +14,20 @@
 #include <string>
 #include <vector>
 
+class DebugRenderProxy;
+
 struct Game {
     Game() : weapons(journal), units(journal, weapons) {}
 
+    // Everything of the library that has a beginning. The renderer may be null: then nothing is drawn.
+    void Start(DebugRenderProxy * renderer, char const * menuFile);
+
+    // Everything of the library that has an end. The renderer may go behind it.
+    void Stop();
+
     Simulation world{1, 0};               // its units follow the settings
-    std::optional<GameSettings> settings; // while the game runs
+    std::optional<GameSettings> settings; // from Start to Stop
+    std::optional<GameMenu> menu;         // from Start to Stop
     std::vector<Asset> assets;            // all that the data folder holds
     LoadJournal journal;
     WeaponKind weapons;

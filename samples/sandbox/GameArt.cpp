@@ -28,17 +28,10 @@ void append(MathPrim::Mesh & whole, MathPrim::Mesh const & part) {
         whole.indices.push_back(static_cast<std::uint16_t>(first + index));
 }
 
-std::string realPath(std::string const & aliased) {
-    char path[c_maxPath];
-    text::CopyCut(path, sizeof(path), aliased.c_str());
-    FilePath::ConvertFromAlias(path, c_streamRead, nullptr);
-    return path;
-}
-
 // As an artist does it: with the tool.
 bool importModel(std::string & error) {
-    std::string const from = realPath(std::string("DATA:") + c_tankName + ".obj");
-    std::string const to = realPath(std::string("GENERIC:") + c_tankName + ".mesh");
+    std::string const from = RealPath(std::string("DATA:") + c_tankName + ".obj");
+    std::string const to = RealPath(std::string("GENERIC:") + c_tankName + ".mesh");
     char const * const arguments[] = {"crosstool", "mesh", "import", from.c_str(), to.c_str()};
     std::ostringstream out, err;
     bool const good = RunCrosstool(static_cast<int>(std::size(arguments)), arguments, out, err) == exitGood;

@@ -5,6 +5,9 @@
 #include "Cross/Util/StatGraph.h"
 #include "Cross/engine/core/Text.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 void menu(void (CheatMenu::*operation)()) {
@@ -32,13 +35,27 @@ constexpr Key c_keys[] = {
     {"Tab", [](GameLoop & loop) { loop.View().SelectNext(); }},
 };
 
+Key const * findKey(char const * name) {
+    auto const found = std::find_if(std::begin(c_keys), std::end(c_keys), [name](Key const & key) {
+        return text::CompareNoCase(key.name, name) == 0;
+    });
+    return found != std::end(c_keys) ? found : nullptr;
+}
+
 } // namespace
 
 bool PressKey(GameLoop & loop, char const * key) {
-    for (Key const & known : c_keys)
-        if (text::CompareNoCase(known.name, key) == 0) {
-            known.press(loop);
-            return true;
-        }
-    return false;
+    Key const * const known = findKey(key);
+    if (known)
+        known->press(loop);
+    return known != nullptr;
+}
+
+bool IsKey(std::string const & key) { return findKey(key.c_str()) != nullptr; }
+
+std::string KeyNames() {
+    std::string names;
+    for (Key const & key : c_keys)
+        names += (names.empty() ? "" : ", ") + std::string(key.name);
+    return names;
 }

@@ -6,5 +6,12 @@
 
 #include "samples/sandbox/GameLoop.h"
 
+#include <string>
+
 // False for a key that means nothing.
 bool PressKey(GameLoop & loop, char const * key);
+
+bool IsKey(std::string const & key);
+
+// The names of all keys: "F1, Up, ...".
+std::string KeyNames();

@@ -7,13 +7,21 @@
 
 #include <algorithm>
 
-GameLoop::GameLoop(Game & game) : game(game), view(game.world), alive(StatGraph::ChannelCreate("alive")) {
+GameLoop::GameLoop(Game & game)
+    : game(game),
+      view(game.world),
+      alive(StatGraph::ChannelCreate("alive")),
+      health(StatGraph::ChannelCreate("health")) {
     StatGraph::ChannelEnable(alive, true);
+    StatGraph::ChannelEnable(health, true);
     StatGraph::ChannelEnable("simulate", true);
     StatGraph::ChannelEnable("draw", true);
 }
 
-GameLoop::~GameLoop() { StatGraph::ChannelDestroy(alive); }
+GameLoop::~GameLoop() {
+    StatGraph::ChannelDestroy(alive);
+    StatGraph::ChannelDestroy(health);
+}
 
 void GameLoop::RunFrame() {
     FilePath::PumpFileChanges();
@@ -35,10 +43,19 @@ void GameLoop::simulate() {
         DebugRender::OnSimulate();
     }
     simulateBlock.Stop();
-    unsigned int count = 0;
+    submitState();
+}
+
+// How many units are alive, and what health all of them have.
+void GameLoop::submitState() {
+    int count = 0, sum = 0;
     for (unsigned int unit = 0; unit < game.world.GetUnits().size(); ++unit)
-        count += game.world.StateOf(unit).alive ? 1 : 0;
+        if (UnitState const state = game.world.StateOf(unit); state.alive) {
+            ++count;
+            sum += state.health;
+        }
     StatGraph::ChannelSubmit(alive, static_cast<float>(count));
+    StatGraph::ChannelSubmit(health, static_cast<float>(sum));
 }
 
 void GameLoop::draw() {

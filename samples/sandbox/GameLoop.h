@@ -11,7 +11,7 @@ class GameLoop {
 public:
     static constexpr float c_step = 1.0f / 60.0f; // seconds
 
-    // Enables the channels "simulate", "draw" and "alive". `game` outlives the loop.
+    // Enables the channels "simulate", "draw", "alive" and "health". `game` outlives the loop.
     explicit GameLoop(Game & game);
     GameLoop(GameLoop const &) = delete;
     GameLoop & operator=(GameLoop const &) = delete;
@@ -22,6 +22,8 @@ public:
 
     WorldView & View() { return view; }
 
+    WorldView const & View() const { return view; }
+
     // Steps per frame, 0 to 16: a fraction waits for the next frames.
     void SetSpeed(float stepsPerFrame);
 
@@ -30,12 +32,13 @@ public:
 private:
     void simulate();
     void draw();
+    void submitState();
 
     Game & game;
     WorldView view;
     PerfBlock simulateBlock{"simulate"};
     PerfBlock drawBlock{"draw"};
-    StatGraph::Handle alive;
+    StatGraph::Handle alive, health;
     float speed = 1.0f;
     float owedSteps = 0.0f;
     bool paused = false;

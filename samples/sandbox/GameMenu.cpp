@@ -6,13 +6,18 @@
 GameMenu::GameMenu(char const * file) {
     CheatMenu::Initialize();
     CheatMenu::RegisterLua(*GlobalLua::GetState());
-    CheatMenu::Instance()->LoadCheatMenu(file, true);
-    FilePath::AttachFileChangeNotification(file, this);
+    Load(file);
 }
 
 GameMenu::~GameMenu() {
     FilePath::DetachFileChangeNotification(this, nullptr);
     CheatMenu::Shutdown();
+}
+
+void GameMenu::Load(char const * file) {
+    FilePath::DetachFileChangeNotification(this, nullptr);
+    CheatMenu::Instance()->LoadCheatMenu(file, true);
+    FilePath::AttachFileChangeNotification(file, this);
 }
 
 void GameMenu::OnFileChanged(char const *) { CheatMenu::Instance()->Reload(); }

@@ -13,6 +13,9 @@ public:
     GameMenu & operator=(GameMenu const &) = delete;
     ~GameMenu() override;
 
+    // Another menu file in place of the present one.
+    void Load(char const * file);
+
 private:
     void OnFileChanged(char const * path) override;
 };

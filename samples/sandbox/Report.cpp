@@ -2,35 +2,40 @@
 
 #include <cstdio>
 
-void Report::Begin(std::string const & subsystem) {
-    End();
-    name = subsystem;
-}
+namespace {
+
+// In the order of Subsystem.
+constexpr char const * c_names[] = {
+    "keys and logging", "attribute tables",     "run-time structures",         "resource inventory",
+    "staged loading",   "configuration stores", "determinism and sync checks", "instrumentation",
+    "cheat menu",       "asset codecs",         "engine library contracts"};
+
+} // namespace
 
 bool Report::Expect(bool holds, std::string const & fact) {
-    if (!holds && faults++ == 0)
-        firstFault = fact;
+    if (!holds) {
+        current->faults.push_back(fact);
+        std::fprintf(stderr, "not so: %s\n", fact.c_str());
+    }
     return holds;
 }
 
-void Report::Evidence(std::string const & seen) {
-    if (!evidence.empty())
-        evidence += ", ";
-    evidence += seen;
-}
-
-void Report::End() {
-    if (name.empty())
-        return;
-    if (faults == 0) {
-        std::printf("PASS %s: %s\n", name.c_str(), evidence.c_str());
-    } else {
-        std::printf("FAIL %s: not so: %s (%d faults)\n", name.c_str(), firstFault.c_str(), faults);
-        ++failures;
+int Report::Print() const {
+    static_assert(std::size(c_names) == c_subsystems);
+    int failures = 0;
+    for (std::size_t i = 0; i < c_subsystems; ++i) {
+        Row const & row = rows[i];
+        std::vector<std::string> lines = row.evidence;
+        if (!row.IsGood()) {
+            ++failures;
+            lines = {row.faults.empty() ? "nothing was seen"
+                                        : "not so: " + row.faults.front() + " (" +
+                                              std::to_string(row.faults.size()) + " faults)"};
+        }
+        std::printf("%s %-27s %s\n", row.IsGood() ? "PASS" : "FAIL", c_names[i], lines.front().c_str());
+        for (std::size_t line = 1; line < lines.size(); ++line)
+            std::printf("%33s%s\n", "", lines[line].c_str());
     }
     std::fflush(stdout);
-    name.clear();
-    evidence.clear();
-    firstFault.clear();
-    faults = 0;
+    return failures;
 }

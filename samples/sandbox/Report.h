@@ -1,32 +1,51 @@
 #pragma once
 
-// The sandbox's evidence: one line per subsystem, PASS with what was seen or FAIL with what was expected and
-// was not.
+// The sandbox's evidence: a table with one PASS or FAIL for each subsystem of the library, and behind it what
+// was seen.
 
+#include <array>
 #include <string>
+#include <vector>
+
+enum class Subsystem {
+    Keys,
+    Tables,
+    Records,
+    Inventory,
+    Loading,
+    Configuration,
+    Determinism,
+    Instruments,
+    Menu,
+    Codecs,
+    Engine
+};
 
 class Report {
 public:
-    // Opens a subsystem; its line is printed when the next one opens or at End.
-    void Begin(std::string const & subsystem);
+    // Facts and evidence from here on belong to this subsystem.
+    void Begin(Subsystem subsystem) { current = &rows[static_cast<std::size_t>(subsystem)]; }
 
-    // A fact that must hold. The first one that does not becomes the FAIL line of the subsystem; later ones
-    // are only counted.
+    // A fact that must hold. One that does not goes to stderr at once and fails the subsystem, whose row
+    // tells the first one.
     bool Expect(bool holds, std::string const & fact);
 
-    // What the PASS line tells; pieces are joined by ", ".
-    void Evidence(std::string const & seen);
+    // A line of the table behind PASS.
+    void Evidence(std::string const & seen) { current->evidence.push_back(seen); }
 
-    // Prints the open subsystem's line.
-    void End();
-
-    // Subsystems that failed so far.
-    int GetFailures() const { return failures; }
+    // Prints the table and gives the number of subsystems that failed. Nothing seen is a failure, too.
+    int Print() const;
 
 private:
-    std::string name;
-    std::string evidence;
-    std::string firstFault;
-    int faults = 0;
-    int failures = 0;
+    struct Row {
+        std::vector<std::string> evidence;
+        std::vector<std::string> faults;
+
+        bool IsGood() const { return faults.empty() && !evidence.empty(); }
+    };
+
+    static constexpr std::size_t c_subsystems = static_cast<std::size_t>(Subsystem::Engine) + 1;
+
+    std::array<Row, c_subsystems> rows;
+    Row * current = rows.data();
 };

@@ -1,95 +1,25 @@
 #include "samples/sandbox/Show.h"
 
-#include "Cross/Util/DebugRender.h"
+#include "Cross/Util/CRCBlock.h"
+#include "Cross/Util/CheatMenu.h"
 #include "Cross/Util/RenderStats.h"
 #include "Cross/engine/scriptconfig/GlobalLua.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
-#include "samples/debugdraw/GraphSink.h"
-#include "samples/debugdraw/RecordingProxy.h"
-#include "samples/renderer/Renderer.h"
+#include "samples/sandbox/Console.h"
+#include "samples/sandbox/GameCamera.h"
 #include "samples/sandbox/GameKeys.h"
-#include "samples/sandbox/GameMenu.h"
 #include "samples/sandbox/GameScripts.h"
-#include "samples/sandbox/StepClock.h"
 
 #include <algorithm>
-#include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <memory>
+#include <iterator>
 #include <optional>
-#include <thread>
-#include <utility>
+#include <string_view>
 
 namespace {
 
-constexpr int c_width = 1280, c_height = 720;
 constexpr unsigned int c_framesPerKey = 20; // the menu has come to rest then
 constexpr std::uint32_t c_seed = 20261123;
 constexpr unsigned int c_tanks = 24;
-
-// The graphs on screen while it lives.
-class Graphs {
-public:
-    Graphs() { StatGraph::Register(&sink); }
-
-    Graphs(Graphs const &) = delete;
-    Graphs & operator=(Graphs const &) = delete;
-
-    ~Graphs() {
-        StatGraph::Unregister(&sink);
-        StatGraph::SetVisible(false);
-        RenderStats::Instance()->Enable(false);
-    }
-
-private:
-    GraphSink sink;
-};
-
-// The renderer of all debug shapes while it lives.
-class Registered {
-public:
-    explicit Registered(DebugRenderProxy & proxy) : proxy(proxy) { DebugRender::Register(&proxy); }
-
-    Registered(Registered const &) = delete;
-    Registered & operator=(Registered const &) = delete;
-
-    ~Registered() { DebugRender::Unregister(&proxy); }
-
-private:
-    DebugRenderProxy & proxy;
-};
-
-// A game at its beginning, with all that is played with.
-struct Show {
-    Show(Game & game, std::string const & menuFile)
-        : loop(prepared(game)), scripts(loop), menu(menuFile.c_str()) {
-        loop.View().Select(0);
-    }
-
-    static Game & prepared(Game & game) {
-        game.world = Simulation(c_seed, 0);
-        GlobalLua::GetState()->RunString(("set_tanks(" + std::to_string(c_tanks) + ")").c_str(), true);
-        return game;
-    }
-
-    GameLoop loop;
-    GameScripts scripts;
-    GameMenu menu;
-    Graphs graphs;
-};
-
-// Units wear their picture where a renderer can show it.
-void dressUnits(Show & show, Game const & game, Renderer & renderer) {
-    show.loop.View().paintUnit = [&game, &renderer](Math::Matrix43f const & transform) {
-        Model const * const tank = game.tankModel.Get();
-        Skin const * const skin = game.tankSkins.front().Get();
-        if (tank && skin)
-            renderer.DrawTextured(tank->mesh, transform, skin->texture, "World");
-    };
-}
-
-void lookAtWorld(Renderer & renderer) { renderer.camera.LookAt({470, 170, 60}, {520, 0, 420}); }
 
 // A key that is pressed when a part of the show is over, so that it shows one thing after the other.
 struct Cue {
@@ -101,18 +31,14 @@ constexpr Cue c_cues[] = {
     {5, "F2"},     {5, "F4"},    {30, "F2"}, {30, "F3"},    {55, "F3"},    {55, "F4"}, {55, "F1"},
     {60, "Right"}, {65, "Down"}, {67, "Up"}, {70, "Right"}, {73, "Right"}, {88, "F2"}, {96, "F1"},
 };
-constexpr unsigned int c_closeUpPercent = 90;
 constexpr unsigned int c_picturePercents[] = {2, 25, 50, 80, 93, 100};
+
+// Whether the camera looks at the selected unit in this part of the show.
+bool isCloseUp(unsigned int percent) { return (percent >= 30 && percent < 55) || percent >= 90; }
 
 // The frame in which a part is over.
 unsigned int frameAt(unsigned int percent, unsigned int frames) {
     return std::max(1u, frames * percent / 100);
-}
-
-void direct(GameLoop & loop, unsigned int frame, unsigned int frames) {
-    for (Cue const & cue : c_cues)
-        if (frameAt(cue.percent, frames) == frame)
-            PressKey(loop, cue.key);
 }
 
 bool isPictured(unsigned int frame, unsigned int frames) {
@@ -120,145 +46,164 @@ bool isPictured(unsigned int frame, unsigned int frames) {
                        [=](unsigned int percent) { return frameAt(percent, frames) == frame; });
 }
 
-// The last part is a close look at the selected unit.
-void followSelected(GameLoop & loop, Renderer & renderer) {
-    if (std::optional<unsigned int> const unit = loop.View().GetSelected()) {
-        Math::Vector3f const place = loop.View().PlaceOf(*unit);
-        renderer.camera.LookAt({place.x - 22, 17, place.z - 30}, {place.x, 2, place.z});
-    }
-}
-
-// Writes the pictures of a show without a window.
-class Pictures {
+// A game at its beginning, and those who play it.
+class Show {
 public:
-    Pictures(Renderer & renderer, std::string folder) : renderer(renderer), folder(std::move(folder)) {}
+    Show(Game & game, Stage & stage, ShowOptions const & options);
+    Show(Show const &) = delete;
+    Show & operator=(Show const &) = delete;
+    ~Show();
 
-    bool Take(std::string const & name) { return TakeAt(folder + "/" + name + ".png"); }
-
-    bool TakeAt(std::string const & path) {
-        std::error_code error;
-        std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
-        if (!renderer.SavePng(path.c_str(), reason))
-            return false;
-        ++count;
-        return true;
-    }
-
-    std::string reason;
-    unsigned int count = 0;
+    ShowResult Play();
 
 private:
-    Renderer & renderer;
-    std::string folder;
+    void dressUnits();
+    void takeInput(Renderer & window);
+    bool runFrame(bool pictured);
+    void playWindow();
+    void playFrames();
+    void playKeys();
+    void playAlone();
+    void direct(unsigned int frame);
+    void aim(Camera & eye, unsigned int percent) const;
+
+    Game & game;
+    Stage & stage;
+    ShowOptions const & options;
+    GameLoop loop;
+    GameScripts scripts;
+    GameCamera camera;
+    Console console;
+    unsigned int frames = 0;
+    bool isOver = false; // someone wants to leave
 };
 
-// Frames on a clock that repeats; `between` runs behind each and gives false to end.
-template <class Between>
-void runFrames(Show & show, StepClock & clock, Renderer * renderer, unsigned int count, Between between) {
-    for (unsigned int frame = 1; frame <= count; ++frame) {
-        clock.Advance(GameLoop::c_step);
-        if (renderer)
-            renderer->Begin();
-        show.loop.RunFrame();
-        if (renderer)
-            renderer->End();
-        if (!between(frame))
+Game & prepared(Game & game) {
+    game.world = Simulation(c_seed, 0);
+    GlobalLua::GetState()->RunString(("set_tanks(" + std::to_string(c_tanks) + ")").c_str(), true);
+    return game;
+}
+
+Show::Show(Game & game, Stage & stage, ShowOptions const & options)
+    : game(game), stage(stage), options(options), loop(prepared(game)), scripts(loop) {
+    loop.View().Select(0);
+    Renderer * const screen = stage.Screen();
+    if (!screen)
+        return;
+    GameCamera::Overlook(screen->camera);
+    dressUnits();
+    if (stage.IsWindow())
+        takeInput(*screen);
+}
+
+// The overlays are everyone's: they are left as they were found.
+Show::~Show() {
+    if (Renderer * const screen = stage.Screen()) {
+        screen->onKey = nullptr;
+        screen->onPick = nullptr;
+    }
+    StatGraph::SetVisible(false);
+    RenderStats::Instance()->Enable(false);
+}
+
+// Units wear their picture where a renderer can show it.
+void Show::dressUnits() {
+    loop.View().paintUnit = [this](Math::Matrix43f const & transform) {
+        Model const * const tank = game.tankModel.Get();
+        Skin const * const skin = game.tankSkins.front().Get();
+        if (tank && skin)
+            stage.Screen()->DrawTextured(tank->mesh, transform, skin->texture, "World");
+    };
+}
+
+void Show::takeInput(Renderer & window) {
+    window.onKey = [this](char const * key, bool) {
+        isOver = isOver || key == std::string_view("Escape");
+        PressKey(loop, key);
+    };
+    window.onPick = [this](MathPrim::Rayf const & ray) { loop.View().Select(loop.View().Pick(ray)); };
+}
+
+ShowResult Show::Play() {
+    if (stage.IsWindow())
+        playWindow();
+    else
+        playFrames();
+    if (!options.shot.empty())
+        stage.SavePicture(options.shot);
+    CRCBlock state;
+    game.world.RecordTo(state, false);
+    return {frames, state.GetCRC()};
+}
+
+// False when the game is over.
+bool Show::runFrame(bool pictured) {
+    if (isOver || !stage.BeginFrame(pictured))
+        return false;
+    loop.RunFrame();
+    stage.EndFrame();
+    ++frames;
+    return true;
+}
+
+void Show::playWindow() {
+    while (runFrame(false))
+        while (options.console && console.RunNext(false))
+            continue;
+}
+
+// The game waits for the lines of the console and lives on for a frame behind each.
+void Show::playFrames() {
+    while (options.console && console.RunNext(true))
+        runFrame(false);
+    if (options.keys.empty())
+        playAlone();
+    else
+        playKeys();
+}
+
+void Show::playKeys() {
+    for (std::size_t i = 0; i < options.keys.size(); ++i) {
+        PressKey(loop, options.keys[i].c_str());
+        for (unsigned int frame = 1; frame <= c_framesPerKey; ++frame)
+            runFrame(frame == c_framesPerKey);
+        std::string const number = std::to_string(i + 1);
+        if (!stage.TakePicture("key-" + std::string(number.size() < 2 ? 1 : 0, '0') + number + "-" +
+                               options.keys[i]))
             return;
     }
 }
 
-bool playKeys(Show & show, StepClock & clock, Renderer & renderer, Pictures & pictures,
-              std::vector<std::string> const & keys) {
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        if (!PressKey(show.loop, keys[i].c_str())) {
-            pictures.reason = "there is no key '" + keys[i] + "'";
-            return false;
-        }
-        runFrames(show, clock, &renderer, c_framesPerKey, [](unsigned int) { return true; });
-        std::string const number = std::to_string(i + 1);
-        if (!pictures.Take("key-" + std::string(number.size() < 2 ? 1 : 0, '0') + number + "-" + keys[i]))
-            return false;
+void Show::playAlone() {
+    for (unsigned int frame = 1; frame <= options.frames; ++frame) {
+        bool const pictured = isPictured(frame, options.frames);
+        runFrame(pictured);
+        if (pictured && !stage.TakePicture("frame-" + std::to_string(frame)))
+            return;
+        direct(frame);
     }
-    return true;
 }
 
-bool playAlone(Show & show, StepClock & clock, Renderer & renderer, Pictures & pictures,
-               unsigned int frames) {
-    bool good = true;
-    runFrames(show, clock, &renderer, frames, [&](unsigned int frame) {
-        if (isPictured(frame, frames))
-            good = good && pictures.Take("frame-" + std::to_string(frame));
-        direct(show.loop, frame, frames);
-        if (frame >= frameAt(c_closeUpPercent, frames))
-            followSelected(show.loop, renderer);
-        return good;
-    });
-    return good;
+void Show::direct(unsigned int frame) {
+    for (Cue const & cue : c_cues)
+        if (frameAt(cue.percent, options.frames) == frame)
+            PressKey(loop, cue.key);
+    if (!loop.View().IsSelectionAlive())
+        loop.View().SelectNext();
+    if (stage.Screen())
+        aim(stage.Screen()->camera, frame * 100 / options.frames);
 }
 
-ShowResult playOffscreen(Game & game, ShowOptions const & options) {
-    std::string reason;
-    std::unique_ptr<Renderer> const renderer = Renderer::OpenOffscreen(c_width, c_height, reason);
-    if (!renderer)
-        return {false, reason};
-    lookAtWorld(*renderer);
-    Pictures pictures(*renderer, options.pictures);
-    Registered const registered(*renderer);
-    StepClock clock;
-    Show show(game, options.menu);
-    dressUnits(show, game, *renderer);
-    bool good = options.keys.empty() ? playAlone(show, clock, *renderer, pictures, options.frames)
-                                     : playKeys(show, clock, *renderer, pictures, options.keys);
-    if (good && !options.shot.empty())
-        good = pictures.TakeAt(options.shot);
-    if (!good)
-        return {false, pictures.reason};
-    return {true, std::to_string(pictures.count) + " pictures in " + options.pictures};
-}
-
-ShowResult playRecord(Game & game, ShowOptions const & options) {
-    std::ofstream file(options.record, std::ios::binary);
-    RecordingProxy recorder(file);
-    Registered const registered(recorder);
-    StepClock clock;
-    Show show(game, options.menu);
-    runFrames(show, clock, nullptr, options.frames, [&](unsigned int frame) {
-        direct(show.loop, frame, options.frames);
-        return true;
-    });
-    file.close();
-    return {file.good(), file.good() ? "calls of the renderer in " + options.record
-                                     : options.record + " cannot be written"};
-}
-
-ShowResult playWindow(Game & game, Renderer & renderer, ShowOptions const & options) {
-    lookAtWorld(renderer);
-    Registered const registered(renderer);
-    Show show(game, options.menu);
-    dressUnits(show, game, renderer);
-    renderer.onKey = [&show](char const * key, bool) { PressKey(show.loop, key); };
-    renderer.onPick = [&show](MathPrim::Rayf const & ray) {
-        show.loop.View().Select(show.loop.View().Pick(ray));
-    };
-    auto next = std::chrono::steady_clock::now();
-    while (renderer.Begin()) {
-        show.loop.RunFrame();
-        renderer.End();
-        next += std::chrono::microseconds(16'667);
-        std::this_thread::sleep_until(next);
-    }
-    return {true, "the window was closed"};
+void Show::aim(Camera & eye, unsigned int percent) const {
+    std::optional<unsigned int> const unit = loop.View().GetSelected();
+    if (unit && isCloseUp(percent))
+        camera.Follow(eye, loop.View().PlaceOf(*unit));
+    else
+        GameCamera::Overlook(eye);
 }
 
 } // namespace
 
-ShowResult PlayShow(Game & game, ShowOptions const & options) {
-    if (!options.record.empty())
-        return playRecord(game, options);
-    std::string reason;
-    if (!options.headless)
-        if (std::unique_ptr<Renderer> const window =
-                Renderer::OpenWindow("sandbox", c_width, c_height, reason))
-            return playWindow(game, *window, options);
-    return playOffscreen(game, options);
+ShowResult PlayShow(Game & game, Stage & stage, ShowOptions const & options) {
+    return Show(game, stage, options).Play();
 }

@@ -2,8 +2,10 @@
 
 #include "Cross/Util/CRCRecord.h"
 #include "Cross/Util/Dca.h"
+#include "Cross/Util/FourLetterID.h"
 #include "Cross/Util/RunTimeStruct.h"
 #include "Cross/Util/RunTimeStructMember.h"
+#include "Cross/engine/core/Types.h"
 
 #include <bit>
 #include <cmath>
@@ -12,7 +14,8 @@ namespace {
 
 using Math::Vector2f;
 
-constexpr float c_worldSize = 1000.0f;
+constexpr float c_stride = 0.25f; // metres in a frame
+constexpr FourLetterID c_kind = FourCC("TANK");
 
 // The members of a unit's record.
 struct UnitMembers {
@@ -63,7 +66,7 @@ void Simulation::SetUnitCount(unsigned int count) {
 RunTimeStruct::Buffer Simulation::newUnit() {
     RunTimeStruct::Buffer unit;
     unit.Setup(UnitLayout());
-    auto const coordinate = [this] { return static_cast<float>(random.GetUnitExclusive()) * c_worldSize; };
+    auto const coordinate = [this] { return static_cast<float>(random.GetUnitExclusive()) * c_size; };
     float const x = coordinate();
     members().pos.Set(unit, {x, coordinate()});
     members().heading.Set(unit, static_cast<float>(random.GetUnitExclusive()));
@@ -101,7 +104,7 @@ void Simulation::moveUnit(RunTimeStruct::Buffer & unit) {
     Vector2f const pos = valueOf(unit, members().pos);
     int const health = valueOf(unit, members().health) - static_cast<int>(random.GetMax(200) == 0) * 25;
     members().heading.Set(unit, heading);
-    members().pos.Set(unit, {pos.x + step.x, pos.y + step.y});
+    members().pos.Set(unit, {pos.x + c_stride * step.x, pos.y + c_stride * step.y});
     members().health.Set(unit, health);
     members().alive.Set(unit, health > 0);
 }
@@ -114,13 +117,14 @@ void Simulation::Nudge(unsigned int unit) {
 
 void Simulation::RecordTo(CRCBlock & block, bool keepEntries) const {
     static Dictionary::Key const c_sim = logKey("Sim"), c_unit = logKey("unit"), c_frame = logKey("frame"),
-                                 c_alive = logKey("alive"), c_pos = logKey("pos"),
+                                 c_kindKey = logKey("kind"), c_alive = logKey("alive"), c_pos = logKey("pos"),
                                  c_heading = logKey("heading"), c_health = logKey("health");
     block.Clear();
     CRCGroup const sim(block, c_sim, keepEntries);
     Record(block, c_frame, frame, keepEntries);
     for (RunTimeStruct::Buffer const & unit : units) {
         CRCGroup const group(block, c_unit, keepEntries);
+        Record(block, c_kindKey, c_kind, keepEntries);
         Record(block, c_alive, valueOf(unit, members().alive), keepEntries);
         Record(block, c_pos, valueOf(unit, members().pos), keepEntries);
         Record(block, c_heading, valueOf(unit, members().heading), keepEntries);

@@ -23,6 +23,8 @@ class Simulation {
 public:
     Simulation(std::uint32_t seed, unsigned int unitCount);
 
+    static constexpr float c_size = 400.0f; // metres east and north, where units begin
+
     // Adds units at random places, or takes the last ones away.
     void SetUnitCount(unsigned int count);
 

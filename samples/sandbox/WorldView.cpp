@@ -13,8 +13,7 @@ namespace {
 using Math::Vector3f;
 using MathPrim::Colour;
 
-constexpr float c_worldSize = 1000.0f;
-constexpr float c_gridStep = 100.0f;
+constexpr float c_gridStep = 40.0f; // metres
 constexpr float c_selectionRadius = 18.0f;
 constexpr unsigned int c_circleSteps = 32;
 constexpr Colour c_grid = Colour::FromWord(0xFF30404A);
@@ -95,6 +94,10 @@ std::optional<unsigned int> WorldView::Pick(MathPrim::Rayf const & ray) const {
     return nearest;
 }
 
+bool WorldView::IsSelectionAlive() const {
+    return selected && *selected < world.GetUnits().size() && world.StateOf(*selected).alive;
+}
+
 void WorldView::SelectNext() {
     auto const count = static_cast<unsigned int>(world.GetUnits().size());
     unsigned int const first = selected ? *selected + 1 : 0;
@@ -120,9 +123,9 @@ Vector3f WorldView::PlaceOf(unsigned int unit) const {
 }
 
 void WorldView::drawGround() const {
-    for (float at = 0.0f; at <= c_worldSize; at += c_gridStep) {
-        DebugRender::Draw(DebugRender::Line{{at, 0, 0}, {at, 0, c_worldSize}, c_grid}, c_world);
-        DebugRender::Draw(DebugRender::Line{{0, 0, at}, {c_worldSize, 0, at}, c_grid}, c_world);
+    for (float at = 0.0f; at <= Simulation::c_size; at += c_gridStep) {
+        DebugRender::Draw(DebugRender::Line{{at, 0, 0}, {at, 0, Simulation::c_size}, c_grid}, c_world);
+        DebugRender::Draw(DebugRender::Line{{0, 0, at}, {Simulation::c_size, 0, at}, c_grid}, c_world);
     }
 }
 
@@ -140,7 +143,7 @@ void WorldView::drawUnit(unsigned int unit) const {
 }
 
 void WorldView::drawSelection() const {
-    if (!selected || *selected >= world.GetUnits().size())
+    if (!IsSelectionAlive())
         return;
     DebugRender::DrawAlignedCircle(PlaceOf(*selected), c_selectionRadius, c_selection, c_circleSteps,
                                    {1, 0, 0}, {0, 0, 1});

@@ -25,6 +25,9 @@ public:
 
     std::optional<unsigned int> GetSelected() const { return selected; }
 
+    // Only then there is something to show of it.
+    bool IsSelectionAlive() const;
+
     // The living unit behind the selected one, round the end; none when none lives.
     void SelectNext();
 

@@ -339,6 +339,14 @@ TEST_F(RendererTest, FramesAreEmptiedAfterTheyWereShown) {
     EXPECT_EQ(frame(), empty);
 }
 
+TEST_F(RendererTest, AFrameThatIsNotPaintedIsEmptiedAndLeavesTheLastPicture) {
+    std::vector<int> const centre = extent(frameOf(DebugRender::Point2D{{0, 0}, 0.1f, c_red}));
+    renderer->paints = false;
+    EXPECT_EQ(extent(frameOf(DebugRender::Point2D{{0.5f, 0}, 0.1f, c_red})), centre);
+    renderer->paints = true;
+    EXPECT_EQ(extent(frame()), std::vector<int>(4, -1));
+}
+
 TEST_F(RendererTest, FramesComeIntoBeingAtFirstUse) {
     std::string name = "first";
     EXPECT_TRUE(renderer->GetDisplay(name.c_str()));

@@ -1,5 +1,6 @@
-#include "samples/sandbox/StartUp.h"
+#include "samples/sandbox/LoadScreen.h"
 
+#include "Cross/Util/DebugRender.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/scriptconfig/GlobalLua.h"
 #include "Cross/engine/scriptconfig/LuaConfigSave.h"
@@ -16,6 +17,13 @@ namespace {
 constexpr unsigned int c_tablesPerSlice = 8;
 constexpr unsigned int c_assetsPerSlice = 4;
 constexpr int c_barWidth = 40;
+constexpr float c_picturedProgress = 0.75f;
+
+char const * const c_frame = "Loading";
+constexpr MathPrim::Colour c_bright = MathPrim::Colour::FromWord(0xFFFFFFFF);
+constexpr MathPrim::Colour c_dim = MathPrim::Colour::FromWord(0xFFA0ACB6);
+constexpr MathPrim::Colour c_trough = MathPrim::Colour::FromWord(0xFF283038);
+constexpr MathPrim::Colour c_bar = MathPrim::Colour::FromWord(0xFF8A9A3C);
 
 // A step with a name in the journal of events.
 class Step : public InitList::Entry {
@@ -52,20 +60,6 @@ private:
 
     std::string & events;
     char const * name;
-};
-
-// Reads the settings, which everything else may ask for.
-class SettingsStep : public Step {
-public:
-    SettingsStep(Game & game, std::string & events) : Step(game, events, "settings") {}
-
-protected:
-    InitList::LoadResult Slice() override {
-        game.settings.emplace(game.world);
-        return InitList::Finished;
-    }
-
-    void Undo() override { game.settings.reset(); }
 };
 
 // Builds the attribute tables from their scripts.
@@ -111,14 +105,13 @@ protected:
     void Undo() override {}
 };
 
-// Sets the inventory up and asks for one unit of each sort; their data comes later.
-class InventoryStep : public Step {
+// Asks for one unit of each sort and for the art; their data comes later.
+class ArmyStep : public Step {
 public:
-    InventoryStep(Game & game, std::string & events) : Step(game, events, "inventory") {}
+    ArmyStep(Game & game, std::string & events) : Step(game, events, "army") {}
 
 protected:
     InitList::LoadResult Slice() override {
-        Inv::Setup(true);
         for (Asset const & asset : game.assets)
             if (asset.kind == "units")
                 game.army.push_back(game.units.Get((asset.kind + "/" + asset.name).c_str()));
@@ -132,7 +125,7 @@ protected:
         game.tankModel = {};
         game.tankSkins.clear();
         game.army.clear();
-        Inv::Shutdown();
+        inventory::Front::Flush();
     }
 };
 
@@ -169,13 +162,13 @@ protected:
                                                                                : InitList::Failed;
     }
 
-    void Undo() override { GlobalLua::Shutdown(); }
+    void Undo() override {} // what the script made stays until it runs again, or the state goes
 
 private:
     bool failNext;
 };
 
-void showBar(float progress) {
+void printBar(float progress) {
     int const filled = static_cast<int>(progress * c_barWidth);
     std::printf("\r[%-*.*s] %3d %%", c_barWidth, filled, "########################################",
                 static_cast<int>(progress * 100.0f));
@@ -184,42 +177,72 @@ void showBar(float progress) {
     std::fflush(stdout);
 }
 
+void drawRectangle(Math::Vector2f const & corner, float width, float height, MathPrim::Colour colour) {
+    Math::Vector2f const right{corner.x + width, corner.y}, top{corner.x, corner.y + height};
+    DebugRender::Draw(DebugRender::Tri2D{{corner, top, right}, colour}, c_frame);
+    DebugRender::Draw(DebugRender::Tri2D{{top, {right.x, top.y}, right}, colour}, c_frame);
+}
+
+void drawText(float y, std::string const & text, MathPrim::Colour colour) {
+    float const x = 0.5f - DebugRender::GetTextWidth(text.c_str()) / 2;
+    DebugRender::Draw(DebugRender::Text2D{{x, y}, text.c_str(), colour}, c_frame);
+}
+
+void drawBar(float progress, std::string const & events) {
+    drawText(0.42f, "S A N D B O X", c_bright);
+    drawRectangle({-0.4f, -0.03f}, 0.8f, 0.06f, c_trough);
+    drawRectangle({-0.39f, -0.02f}, 0.78f * progress, 0.04f, c_bar);
+    drawText(0.53f, events, c_dim);
+}
+
 } // namespace
 
-StartUp::StartUp(Game & game, bool failOnce) : manager("start") {
-    manager.Register(new SettingsStep(game, events), "settings", 0.1f);
+LoadScreen::LoadScreen(Game & game, Stage & stage, bool failOnce) : stage(stage), manager("start") {
     manager.Register(new TablesStep(game, events), "attribute tables", 2.0f);
     manager.Register(new ArtStep(game, events), "art", 0.3f);
-    manager.Register(new InventoryStep(game, events), "inventory", 0.5f);
+    manager.Register(new ArmyStep(game, events), "army", 0.2f);
     manager.Register(new AssetsStep(game, events), "assets", 1.0f);
     manager.Register(new ScriptsStep(game, events, failOnce), "scripts", 0.5f);
 }
 
-bool StartUp::Load() { return loadOnce() || loadOnce(); }
+bool LoadScreen::Load() { return loadOnce() || loadOnce(); }
 
-void StartUp::Unload() { manager.Unload(); }
+void LoadScreen::Unload() { manager.Unload(); }
 
-// One load to the end. A failed one is undone.
-bool StartUp::loadOnce() {
-    bool const isTerminal = isatty(STDOUT_FILENO) != 0;
+// One load to the end, a frame for each slice. A failed one is undone.
+bool LoadScreen::loadOnce() {
     float shown = 0.0f;
-    std::size_t told = events.size();
     for (;;) {
         InitList::LoadResult const result = manager.Load();
         if (result == InitList::Failed) {
             manager.Unload();
-            std::printf("%sfailed and undone:%s\n", isTerminal ? "\n" : "", events.c_str() + told);
+            std::printf("failed and undone: %s\n", news());
             return false;
         }
         float const progress = manager.LoadProgress();
         progressWasSteady = progressWasSteady && progress >= shown;
+        show(progress, shown < c_picturedProgress && progress >= c_picturedProgress);
         shown = progress;
-        if (isTerminal)
-            showBar(progress);
-        else if (events.size() != told)
-            std::printf("loading %3d %%:%s\n", static_cast<int>(progress * 100.0f), events.c_str() + told);
-        told = events.size();
         if (result == InitList::Finished)
             return true;
     }
+}
+
+void LoadScreen::show(float progress, bool pictured) {
+    stage.BeginFrame(pictured);
+    drawBar(progress, events);
+    DebugRender::Display();
+    stage.EndFrame();
+    if (pictured)
+        stage.TakePicture("loading");
+    if (isatty(STDOUT_FILENO) != 0)
+        printBar(progress);
+    else if (events.size() != told)
+        std::printf("loading %3d %%: %s\n", static_cast<int>(progress * 100.0f), news());
+}
+
+char const * LoadScreen::news() {
+    char const * const text = events.c_str() + told;
+    told = events.size();
+    return *text == ' ' ? text + 1 : text;
 }
