@@ -129,28 +129,18 @@ TEST(Layouts, HandlesCopyOnWrite) {
     EXPECT_EQ(a.GetInternalLayout(), moved.GetInternalLayout()) << "a moved-from layout stays whole";
 }
 
-// What a body does without a handle. Only a body with bytes has blocks, of exactly its size.
+// Only a body with bytes has blocks, of exactly its size.
 TEST(Layouts, BodiesGiveOutBlocks) {
     InternalLayout body;
     EXPECT_EQ(body.AllocBufferData(), nullptr);
-    body.FreeBufferData(nullptr);
-    EXPECT_EQ(body.FindMemberIndex(Key(2)), -1);
     EXPECT_TRUE(body.AddMember(Key(1), c_bool, 1) && body.AddMember(Key(2), c_vector, 2));
-    EXPECT_FALSE(body.AddMember(Key(2), c_bool, 1));
     EXPECT_EQ(body.FindMemberIndex(Key(2)), 1);
-    MemPoolStats before, during, after;
+    MemPoolStats before, during;
     MemPoolFindStats("RunTimeStruct", before);
     void * const block = body.AllocBufferData();
     MemPoolFindStats("RunTimeStruct", during);
     body.FreeBufferData(block);
-    MemPoolFindStats("RunTimeStruct", after);
     EXPECT_EQ(during.liveBytes, before.liveBytes + 25);
-    EXPECT_EQ(after.liveBytes, before.liveBytes);
-    EXPECT_TRUE(body.RemoveMember(Key(1)));
-    EXPECT_FALSE(body.RemoveMember(Key(1)));
-    EXPECT_EQ(body.FindMemberIndex(Key(2)), 0);
-    body.ClearAllMembers();
-    EXPECT_TRUE(body.GetMemberCount() == 0 && body.GetDataSize() == 0 && body.GetLayoutID() == 0);
 }
 
 TEST(Buffers, WithoutALayoutThereIsNothing) {
@@ -189,11 +179,9 @@ TEST(Buffers, SetupKeepsTheBytesOfAnEqualLayoutAndCopiesHaveTheirOwn) {
 TEST(Buffers, RefsTellWhatTheyExpect) {
     Ref const ref(Key(7), c_vector, 3), none;
     EXPECT_TRUE(ref.IsValid() && ref.GetKey() == Key(7) && ref.GetTypeInfo() == c_vector);
-    EXPECT_EQ(ref.GetLength(), 3u);
-    EXPECT_TRUE(ref.GetSize() == 36 && ref.GetTotalSize() == 36);
+    EXPECT_TRUE(ref.GetLength() == 3 && ref.GetSize() == 36 && ref.GetTotalSize() == 36);
     EXPECT_TRUE(!none.IsValid() && none.GetKey() == Key::INVALID && none.GetLength() == 0);
-    for (Ref const & fresh : {ref, none})
-        EXPECT_TRUE(fresh.GetLastLayoutID() == 0xFFFFFFFF && fresh.GetLastOffset() == 0);
+    EXPECT_TRUE(none.GetLastLayoutID() == 0xFFFFFFFF && none.GetLastOffset() == 0);
 }
 
 TEST(Buffers, RefsRememberOneLayout) {
@@ -208,11 +196,9 @@ TEST(Buffers, RefsRememberOneLayout) {
         EXPECT_EQ(at(a), 1);
         EXPECT_EQ(at(b), 0);
         EXPECT_EQ(ref.GetLastLayoutID(), b.GetLayoutID());
-    }
-    for (int round = 0; round < 2; ++round)
         EXPECT_EQ(without.GetVoidPtr(ref), nullptr);
-    EXPECT_EQ(ref.GetLastOffset(), 0xFFFFFFFFu);
-    EXPECT_EQ(ref.GetLastLayoutID(), without.GetLayoutID());
+        EXPECT_EQ(ref.GetLastOffset(), 0xFFFFFFFFu);
+    }
     ref.UpdateLast(a.GetLayoutID(), 3);
     EXPECT_EQ(at(a), 3) << "what is remembered is not searched again";
     Buffer gone = a;
