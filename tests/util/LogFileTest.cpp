@@ -85,6 +85,7 @@ TEST_F(LogFileTest, NamesCarryTheStartOfTheProgram) {
     char inPlace[c_maxPath] = "Frame";
     LogFile::MakeFilename(inPlace);
     EXPECT_EQ(inPlace, "log:frame." + stamp + ".txt");
+    EXPECT_FALSE(LogFile().Create("frame", tooLong.c_str(), true, false));
 }
 
 TEST_F(LogFileTest, CreateGivesTenFilesOfOneStampAndTouchesNoEarlierOne) {
