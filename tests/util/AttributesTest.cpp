@@ -130,22 +130,35 @@ TEST_F(AttributesTest, OneReadingCodeOverAllReaders) {
     }
 }
 
-TEST_F(AttributesTest, FlagOfAFailedRead) {
-    std::tuple<AttributesInterface const &, std::uint32_t, bool, bool> const cases[] = {
-        // reader, key, and what is left of a flag by name and by key: the name form clears it where there is
-        // data; the key form leaves it, but in a script it is the name form of the field that it finds
-        {binary, NameHash("count"), false, true},
-        {lua, scriptKey(script, "count"), false, false},
-        {lua, lua.GetCount(), false, true},
-        {empty, 0, true, true},
+TEST_F(AttributesTest, WhatAFailedReadLeaves) {
+    struct Case {
+        AttributesInterface const & reader;
+        std::uint32_t count, tag; // keys
+        bool flagByName, flagByKey;
+        char textByName; // of size 0
     };
-    for (auto const & [reader, key, byName, byKey] : cases) {
-        bool flag = true;
-        EXPECT_FALSE(reader.GetBool("count", flag));
-        EXPECT_EQ(flag, byName) << reader.GetDebugName();
-        flag = true;
-        EXPECT_FALSE(reader.GetBool(key, flag));
-        EXPECT_EQ(flag, byKey) << reader.GetDebugName();
+
+    Case const cases[] = {
+        // the name form clears a flag where there is data; the key form leaves it, but in a script it is the
+        // name form of the field that it finds
+        {binary, NameHash("count"), NameHash("tag"), false, true, '\0'},
+        {lua, scriptKey(script, "count"), scriptKey(script, "tag"), false, false, 'x'},
+        {lua, lua.GetCount(), lua.GetCount(), false, true, 'x'},
+        {empty, 0, 0, true, true, '\0'},
+    };
+    for (Case const & c : cases) {
+        bool byName = true, byKey = true;
+        EXPECT_FALSE(c.reader.GetBool("count", byName) || c.reader.GetBool(c.count, byKey));
+        EXPECT_TRUE(byName == c.flagByName && byKey == c.flagByKey) << c.reader.GetDebugName();
+
+        char text[] = "x";
+        char16_t wide[] = u"x";
+        c.reader.GetString("missing", text, 0);
+        c.reader.GetWString("missing", wide, 0);
+        EXPECT_TRUE(text[0] == c.textByName && wide[0] == static_cast<char16_t>(c.textByName));
+        c.reader.GetString(c.tag, text, 0);
+        c.reader.GetWString(c.tag, wide, 0);
+        EXPECT_TRUE(text[0] == '\0' && wide[0] == u'\0') << c.reader.GetDebugName();
     }
     bool flag = false;
     EXPECT_TRUE(binary.GetBool("nan", flag)); // not equal to 0
@@ -223,25 +236,6 @@ TEST_F(AttributesTest, RangeReadsClamp) {
     EXPECT_EQ(value, -77.0f);
     EXPECT_TRUE(Doubling(table, "").GetNumber("half", 0, 10, value));
     EXPECT_EQ(value, 1.0f) << "through the virtual read";
-}
-
-TEST_F(AttributesTest, ATextOfSizeZeroWritesNoMoreThanItMust) {
-    std::tuple<AttributesInterface const &, std::uint32_t, char> const cases[] = {
-        // reader, a key, and what a read by a missing name leaves
-        {binary, NameHash("tag"), '\0'},
-        {lua, scriptKey(script, "tag"), 'x'},
-        {empty, 0, '\0'},
-    };
-    for (auto const & [reader, key, left] : cases) {
-        char text[] = "x";
-        char16_t wide[] = u"x";
-        reader.GetString("missing", text, 0);
-        reader.GetWString("missing", wide, 0);
-        EXPECT_TRUE(text[0] == left && wide[0] == static_cast<char16_t>(left)) << reader.GetDebugName();
-        reader.GetString(key, text, 0);
-        reader.GetWString(key, wide, 0);
-        EXPECT_TRUE(text[0] == '\0' && wide[0] == u'\0') << reader.GetDebugName();
-    }
 }
 
 int depthOf(AttributesInterface const & reader) {

@@ -118,20 +118,6 @@ TEST(Dictionary, CollidingTextsMoveUpInTheOrderOfTheirComing) {
     EXPECT_EQ(contentOf(dictionary).size(), 1u);
 }
 
-TEST(Dictionary, LongTextsAreCutOnlyWhereCaseDoesNotCount) {
-    std::string const head(1024, 'H');
-    Dictionary sensitive, blind(false);
-    for (Dictionary * dictionary : {&sensitive, &blind}) {
-        dictionary->GetKey((head + std::string(476, 'x')).c_str());
-        dictionary->GetKey((head + std::string(476, 'y')).c_str());
-    }
-    EXPECT_EQ(contentOf(sensitive).size(), 2u);
-    EXPECT_EQ(contentOf(blind),
-              (Content{{NameHash(std::string(1024, 'h').c_str()), std::string(1024, 'h')}}));
-    EXPECT_EQ(find(blind, head.c_str()), find(blind, (head + "z").c_str()));
-    EXPECT_EQ(find(blind, head.c_str() + 1), 0u);
-}
-
 // Texts of one length that differ in one byte, for every length around the widths in which texts are read,
 // every place and every byte: so many that some are told apart by nothing but the comparison.
 TEST(Dictionary, EveryByteOfATextCounts) {

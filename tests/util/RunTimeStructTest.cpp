@@ -347,17 +347,3 @@ TEST(Copiers, PlansOfOtherLengthsStayInsideTheBlocks) {
     EXPECT_EQ(copied(byNarrow, narrow, narrow), "abcdef");
     EXPECT_EQ(copied(byNarrow, wide, wide), "abcdef6789") << "the smaller pair made the plan";
 }
-
-// The types of a destination are those of adding: what a layout then has under the key is not compared. Bytes
-// of the source's type are copied, where they stay inside the block.
-TEST(Copiers, TypesAreComparedAtAddingOnly) {
-    Buffer const from = bufferOf(layoutOf({{1, c_float}}), 'a');
-    Copier copier;
-    copier.AddRef(Ref(Key(1), c_float, 1), Ref(Key(1), c_float, 1));
-    Buffer small = bufferOf(layoutOf({{1, c_bool}}), '0');
-    copier.Copy(from, small);
-    EXPECT_EQ(bytesOf(small), "0");
-    Buffer large = bufferOf(layoutOf({{1, c_bool, 5}}), '0');
-    copier.Copy(from, large); // by the plan of the small one
-    EXPECT_EQ(bytesOf(large), "abcd4");
-}

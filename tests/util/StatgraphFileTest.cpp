@@ -104,17 +104,6 @@ TEST_F(StatgraphFileTest, ColumnsAreAddedAtTheRightAndStay) {
                            "time,b,a,d,\n");
 }
 
-// A new channel hides an older one of its name, whose column it takes; the older one, still enabled, has been
-// written nowhere and opens a column at each update.
-TEST_F(StatgraphFileTest, AHiddenTwinOpensColumns) {
-    Enable("twin", 1.0f);
-    Update();
-    StatGraph::ChannelCreate("twin");
-    Update();
-    Update();
-    EXPECT_EQ(WholeText(), "0.000,1.000,\n0.000,,1.000,\n0.000,,,1.000,\ntime,twin,twin,twin,\n");
-}
-
 TEST_F(StatgraphFileTest, The129thChannelHasNoColumn) {
     for (int i = 0; i < 129; ++i)
         Enable(("c" + std::to_string(100 + i)).c_str(), static_cast<float>(i));
