@@ -18,8 +18,7 @@ struct Segment {
 
 std::vector<Segment> segmentsOf(std::string const & drawn) {
     std::vector<Segment> segments;
-    std::string const head = "\"start\":";
-    for (std::size_t at = 0; (at = drawn.find(head, at)) != std::string::npos; at += head.size()) {
+    for (std::size_t at = 0; (at = drawn.find("\"start\":", at)) != std::string::npos; ++at) {
         Segment segment;
         if (std::sscanf(drawn.c_str() + at, "\"start\":[%f,%f],\"end\":[%f,%f]", &segment.x1, &segment.y1,
                         &segment.x2, &segment.y2) == 4)
@@ -38,9 +37,9 @@ protected:
     }
 
     ~GraphSinkTest() override {
-        StatGraph::SetVisible(false);
         StatGraph::Unregister(&sink);
         DebugRender::Unregister(&proxy);
+        StatGraph::SetVisible(false);
         for (std::string const & name : names)
             StatGraph::ChannelDestroy(name.c_str());
     }

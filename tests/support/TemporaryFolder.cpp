@@ -35,3 +35,7 @@ std::size_t TemporaryFolder::CountEntries() const {
     auto const entries = std::filesystem::directory_iterator(folder);
     return static_cast<std::size_t>(std::distance(begin(entries), end(entries)));
 }
+
+std::string TemporaryFolder::OnlyEntry() const {
+    return CountEntries() == 1 ? std::filesystem::directory_iterator(folder)->path().filename().string() : "";
+}

@@ -24,6 +24,9 @@ public:
     // Number of entries directly in the folder, for "no temporary file is left".
     std::size_t CountEntries() const;
 
+    // Name of the one entry of the folder; "" when there is none or more than one.
+    std::string OnlyEntry() const;
+
 private:
     std::filesystem::path folder;
 };

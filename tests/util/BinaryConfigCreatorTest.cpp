@@ -62,7 +62,7 @@ TEST_F(BinaryConfigCreatorTest, OtherPlatformsSwapWordsAndKeepTexts) {
     };
     std::string const expected(reinterpret_cast<char const *>(c_expected), sizeof(c_expected));
     EXPECT_EQ(FlattenedImage(creator, 2), expected);
-    EXPECT_EQ(FlattenedImage(creator, 7), expected); // alignment too is the same everywhere
+    EXPECT_EQ(FlattenedImage(creator, 7), expected);
 }
 
 TEST_F(BinaryConfigCreatorTest, ValuesAreAlignedFromTheStartOfTheImage) {
@@ -168,14 +168,12 @@ TEST_F(BinaryConfigCreatorTest, FlatteningChangesNothingAndMayBeRepeated) {
     EXPECT_EQ(FlattenedImage(creator), std::string(4, '\0'));
     FillExample(creator);
     creator.TablePush("sub", false); // wherever the cursor stands, the whole tree is flattened
-    EXPECT_EQ(FlattenedImage(creator), ExampleImage());
-    EXPECT_EQ(FlattenedImage(creator), ExampleImage());
+    EXPECT_EQ(ImageOf(Flat()), ExampleImage());
     creator.SetNumber("y", 2);
-    BinaryConfig & flat = Flat();
+    BinaryConfig & flat = Flat(); // replaces the image before
+    EXPECT_EQ(flat.GetCount(), 4u);
     flat.TablePush("sub");
     EXPECT_EQ(flat.GetCount(), 2u);
-    flat.TablePop();
-    EXPECT_EQ(Flat().GetCount(), 4u); // replaces the image before
 }
 
 // Neither building, flattening nor the destructor recurses.

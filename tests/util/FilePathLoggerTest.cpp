@@ -5,8 +5,9 @@
 #include "tests/support/HandClock.h"
 #include "tests/support/OnFourThreads.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
+
+#include <sstream>
 
 namespace {
 
@@ -36,8 +37,6 @@ TEST_F(FilePathLoggerTest, FiltersChooseAmongOpens) {
         {nullptr, "Read", "13"},
         {"data", "write", "2"},
         {"dat", nullptr, ""},
-        // a null argument is an empty one
-        {"none", nullptr, ""},
     };
     for (Case const & test : c_cases) {
         {
@@ -75,12 +74,8 @@ TEST_F(FilePathLoggerTest, LinesCarryTheTimeAndThePath) {
 }
 
 TEST_F(FilePathLoggerTest, WhatCannotBeWrittenOrIsMissingHarmsNoOtherLog) {
-    folder.WriteFile("file", "");
-    FilePath::SetAlias("broken", (folder / "file").c_str());
-    for (char const * const name : {"broken:a.txt", "unknown:a.txt", "", static_cast<char const *>(nullptr)})
+    for (char const * const name : {"unknown:a.txt", "", static_cast<char const *>(nullptr), "good.txt"})
         logger.LogFiles(nullptr, nullptr, name, true);
-    logger.LogFiles(nullptr, nullptr, "good.txt", true);
-    FilePath::RemoveAlias("broken");
     std::size_t const length = 100000;
     logger.OnFileOpen(std::u16string(length, u'p').c_str(), "%s", "read");
     logger.OnFileOpen(nullptr, nullptr, nullptr);
@@ -94,31 +89,11 @@ TEST_F(FilePathLoggerTest, HearsOfFilesWhileItIsAttached) {
     FilePath::AttachListener(&logger);
     FilePath::AttachListener(&logger);
     FilePath::OpenStream("LOG:data.txt", c_streamRead);
-    FilePath::OpenStream("LOG:data.txt", c_streamRead);
     logger.LogFiles(nullptr, nullptr, "later.txt", true); // an open from inside
     FilePath::DetachListener(&logger);
     FilePath::OpenStream("LOG:data.txt", c_streamRead);
-    EXPECT_EQ(folder.ReadFile("all.txt"),
-              "18:05:09.00   LOG:data.txt\n18:05:09.00   LOG:data.txt\n18:05:09.00   log:later.txt\n");
+    EXPECT_EQ(folder.ReadFile("all.txt"), "18:05:09.00   LOG:data.txt\n18:05:09.00   log:later.txt\n");
     EXPECT_EQ(folder.ReadFile("later.txt"), "");
-}
-
-TEST_F(FilePathLoggerTest, MayBeDetachedFromInside) {
-    class Once : public FilePathLogger {
-    public:
-        void OnFileOpen(char16_t const * path, char const * first, char const * second) override {
-            FilePath::DetachListener(this);
-            FilePathLogger::OnFileOpen(path, first, second);
-        }
-    };
-
-    folder.WriteFile("data.txt", "x");
-    Once once;
-    once.LogFiles(nullptr, nullptr, "once.txt", false);
-    FilePath::AttachListener(&once);
-    FilePath::OpenStream("log:data.txt", c_streamRead);
-    FilePath::OpenStream("log:data.txt", c_streamRead);
-    EXPECT_EQ(folder.ReadFile("once.txt"), "18:05:09.00   data.txt\n");
 }
 
 TEST_F(FilePathLoggerTest, LinesOfThreadsDoNotMix) {
@@ -131,11 +106,9 @@ TEST_F(FilePathLoggerTest, LinesOfThreadsDoNotMix) {
             logger.AddComment("-");
         }
     });
-    std::string const text = folder.ReadFile("zero.txt");
-    std::size_t const opens = 100, comments = 400;
-    EXPECT_EQ(text.size(), opens * std::string("18:05:09.00   path\n").size() + comments * 5);
-    for (std::size_t start = 0; start < text.size(); start = text.find('\n', start) + 1) {
-        std::string const line = text.substr(start, text.find('\n', start) - start);
-        EXPECT_TRUE(line == "// -" || line == "18:05:09.00   path") << line;
-    }
+    std::string const text = folder.ReadFile("zero.txt"), comment = "// -", open = "18:05:09.00   path";
+    EXPECT_EQ(text.size(), 400 * (comment.size() + 1) + 100 * (open.size() + 1));
+    std::istringstream lines(text);
+    for (std::string line; std::getline(lines, line);)
+        EXPECT_TRUE(line == comment || line == open) << line;
 }

@@ -57,22 +57,19 @@ TEST_F(StatGraphTest, NamesIgnoreCaseSortByBytesAndAreCut) {
     StatGraph::ChannelEnable("FRAMETIME", true);
     EXPECT_TRUE(StatGraph::ChannelEnabled("frameTime"));
     EXPECT_FALSE(StatGraph::ChannelEnabled("b"));
-    StatGraph::ChannelDestroy("A.b");
-    StatGraph::ChannelDestroy("");
-    EXPECT_EQ(List(), (Names{"b", "b2", "frametime", "\xC3\x84"}));
-    ResetStatGraph();
-
-    std::string const longest(255, 'N');
-    StatGraph::ChannelCreate((longest + "one").c_str());
-    EXPECT_EQ(List(), Names{std::string(255, 'n')});
-    StatGraph::ChannelSubmit((longest + "other").c_str(), 3.0f);
-    EXPECT_EQ(Record(std::string(255, 'n')).sum, 3.0f);
-    StatGraph::ChannelDestroy(std::string(100'000, 'n').c_str());
+    for (char const * const name : {"FrameTIME", "\xC3\x84", "B2", "b", "A.b", ""})
+        StatGraph::ChannelDestroy(name);
     EXPECT_EQ(List(), Names());
+
+    std::string const longest(255, 'N'), stored(255, 'n');
+    StatGraph::ChannelCreate((longest + "one").c_str());
+    StatGraph::ChannelSubmit((longest + "other").c_str(), 3.0f);
+    EXPECT_EQ(List(), Names{stored});
+    EXPECT_EQ(Record(stored).sum, 3.0f);
 }
 
-TEST_F(StatGraphTest, UnknownAndNullNamesDoNothing) {
-    Handle const known = StatGraph::ChannelCreate("known");
+TEST_F(StatGraphTest, UnknownNamesAndStaleHandlesDoNothing) {
+    Handle known = StatGraph::ChannelCreate("known");
     EXPECT_FALSE(StatGraph::ChannelCreate(nullptr));
     for (char const * const name : {static_cast<char const *>(nullptr), "unknown", "know", "knownn", ""}) {
         StatGraph::ChannelEnable(name, true);
@@ -85,41 +82,26 @@ TEST_F(StatGraphTest, UnknownAndNullNamesDoNothing) {
     EXPECT_EQ(List(), Names{"known"});
     EXPECT_EQ(Record("known").max, 0.0f);
     EXPECT_FALSE(StatGraph::ChannelEnabled(known));
-}
 
-TEST_F(StatGraphTest, NullAndStaleHandlesAreHarmlessWhereTheyMayBe) {
-    Handle none;
-    StatGraph::ChannelEnable(none, true);
-    StatGraph::ChannelDestroy(none);
-    Handle first = StatGraph::ChannelCreate("gone");
-    Handle stale = first;
-    StatGraph::ChannelDestroy(first);
-    EXPECT_FALSE(first);
-    EXPECT_TRUE(stale) << "other copies are not told";
+    Handle stale = known, none;
+    StatGraph::ChannelDestroy(known);
+    EXPECT_TRUE(!known && stale) << "other copies are not told";
     StatGraph::ChannelDestroy(stale);
+    StatGraph::ChannelEnable(none, true);
     EXPECT_FALSE(stale);
-    EXPECT_EQ(List(), Names());
 }
 
 TEST_F(StatGraphTest, ANameTwiceIsWarnedOfAndGivesTheNewer) {
     WarningCapture const warnings(0x53544154);
     Handle const older = StatGraph::ChannelCreate("Twin");
-    EXPECT_TRUE(warnings.texts.empty());
-    Handle newer = StatGraph::ChannelCreate("tWIN");
+    StatGraph::ChannelCreate("tWIN");
     EXPECT_EQ(warnings.texts, std::vector<std::string>{"Duplicate statgraph channel ignored"});
-    EXPECT_EQ(List(), (Names{"twin", "twin"}));
     StatGraph::ChannelSubmit("twin", 1.0f);
     StatGraph::ChannelSubmit(older, 2.0f);
-    GraphSink sink;
-    StatGraph::Update();
-    EXPECT_EQ(sink.channels[0]->sum, 1.0f);
-    EXPECT_EQ(sink.channels[1]->sum, 2.0f);
+    EXPECT_EQ(Record("twin").sum, 1.0f);
     StatGraph::ChannelDestroy("twin");
     EXPECT_EQ(Record("twin").sum, 2.0f) << "the newer goes first";
-    StatGraph::ChannelDestroy(newer);
     EXPECT_EQ(List(), Names{"twin"});
-    StatGraph::ChannelDestroy("twin");
-    EXPECT_EQ(List(), Names());
 }
 
 // A new channel; each row is submitted in turn to a channel of its own.
@@ -132,12 +114,10 @@ TEST_F(StatGraphTest, TheFirstSample) {
     Case const c_cases[] = {
         {5.0f, 0.1f, 10.0f, 200},
         // nothing is above 0, so the scale waits for the period
-        {0.0f, 0.0f, 0.0f, 199},
         {-1.0f, -0.02f, 0.0f, 199},
         // the scale is the smallest of 10, 50, 250, ... that is not below
         {10.0f, 0.2f, 10.0f, 200},
         {10.5f, 0.21f, 50.0f, 200},
-        {50.0f, 1.0f, 50.0f, 200},
         {250.5f, 5.01f, 1250.0f, 200},
         // the largest float still finds an end
         {std::numeric_limits<float>::max(), std::numeric_limits<float>::max() / 50, c_infinity, 200},
@@ -157,32 +137,25 @@ TEST_F(StatGraphTest, TheFirstSample) {
     }
 }
 
-TEST_F(StatGraphTest, TheRingTurns) {
+TEST_F(StatGraphTest, TheRingTurnsAndItsSumIsNeverFoundAnew) {
     Handle const handle = StatGraph::ChannelCreate("ring");
     Channel const & channel = Record("ring");
-    StatGraph::ChannelSubmit(handle, 1000.0f);
-    Submit(handle, 1.0f, 49);
-    EXPECT_EQ(channel.index, 0u);
-    EXPECT_EQ(channel.sum, 1049.0f);
-    EXPECT_EQ(channel.LatestSample(), 1.0f);
-    StatGraph::ChannelSubmit(handle, 2.0f);
-    EXPECT_EQ(channel.sum, 51.0f) << "the first value is gone";
-    EXPECT_EQ(channel.index, 1u);
-    EXPECT_EQ(channel.average, 51.0f / 50.0f);
-}
-
-TEST_F(StatGraphTest, TheSumIsNeverFoundAnew) {
-    Handle const handle = StatGraph::ChannelCreate("drift");
-    Channel const & channel = Record("drift");
     StatGraph::ChannelSubmit(handle, 16777216.0f);
     StatGraph::ChannelSubmit(handle, 0.1f);
-    Submit(handle, 0.0f, 50);
-    EXPECT_EQ(channel.sum, -0.1f) << "0.1 was lost beside 2^24 and is taken out all the same";
+    Submit(handle, 1.0f, 48);
+    EXPECT_EQ(channel.index, 0u);
+    EXPECT_EQ(channel.LatestSample(), 1.0f);
+    Submit(handle, 1.0f, 1);
+    EXPECT_EQ(channel.sum, 1.0f) << "the others were lost beside 2^24";
+    EXPECT_EQ(channel.index, 1u);
+    EXPECT_EQ(channel.average, channel.sum / 50.0f);
 }
 
 TEST_F(StatGraphTest, TheScaleRisesAtOnceAndFallsByPeriod) {
     Handle const handle = StatGraph::ChannelCreate("scale");
     Channel const & channel = Record("scale");
+    StatGraph::ChannelSubmit(handle, c_nan);
+    EXPECT_EQ(channel.max, 0.0f) << "a NaN is above nothing, and hides no other sample";
     StatGraph::ChannelSubmit(handle, 50.0f);
     StatGraph::ChannelSubmit(handle, 50.0f);
     EXPECT_EQ(channel.countdown, 199u) << "a sample equal to the scale changes nothing";
@@ -204,18 +177,6 @@ TEST_F(StatGraphTest, TheScaleRisesAtOnceAndFallsByPeriod) {
     EXPECT_EQ(channel.max, 10.0f);
 }
 
-// A NaN is above nothing and hides no other sample.
-TEST_F(StatGraphTest, NaNMovesNoScale) {
-    Handle const handle = StatGraph::ChannelCreate("nan");
-    Channel const & channel = Record("nan");
-    StatGraph::ChannelSubmit(handle, c_nan);
-    EXPECT_EQ(channel.max, 0.0f);
-    StatGraph::ChannelSubmit(handle, 300.0f);
-    EXPECT_EQ(channel.max, 1250.0f);
-    Submit(handle, 1.0f, 100);
-    EXPECT_TRUE(std::isnan(channel.average)) << "though the ring is clean";
-}
-
 TEST_F(StatGraphTest, AScaleThatIsSetHoldsUntilASampleExceedsIt) {
     Handle const handle = StatGraph::ChannelCreate("set");
     Channel const & channel = Record("set");
@@ -234,8 +195,6 @@ TEST_F(StatGraphTest, AScaleThatIsSetHoldsUntilASampleExceedsIt) {
     Submit(handle, 1.0f, 300);
     EXPECT_EQ(channel.max, 250.0f) << "parked, not due";
     EXPECT_EQ(channel.countdown, 0xFFFFFFFFu - 299);
-    StatGraph::ChannelSetMax("set", -1.0f);
-    EXPECT_EQ(channel.max, -1.0f);
 }
 
 // Places in the row of colours, counted from 1; where it stands now is left from other tests.
@@ -268,11 +227,8 @@ TEST_F(StatGraphTest, APauseDropsSamplesAndNothingElse) {
     Submit(handle, 20.0f, 1);
     StatGraph::ChannelSubmit("paused", 20.0f);
     StatGraph::Update();
-    EXPECT_EQ(sink.calls, 1);
-    EXPECT_TRUE(sink.visible && StatGraph::GetPause());
+    EXPECT_TRUE(sink.calls == 1 && sink.visible && StatGraph::GetPause());
     EXPECT_EQ(sink.channels[0]->countdown, 200u);
-    EXPECT_EQ(sink.channels[0]->index, 0u);
-    EXPECT_EQ(sink.channels[0]->max, 0.0f);
 }
 
 TEST_F(StatGraphTest, FourSinksAreCalledInOrderOfTheirPlaces) {
