@@ -269,6 +269,8 @@ TEST_F(RendererTest, FramesAreEmptiedAfterTheyWereShown) {
     Picture const kept = frame();
     EXPECT_EQ(kept.At(160, 90), c_green);
     EXPECT_EQ(kept.At(300, 90), renderer->background);
+    EXPECT_TRUE(renderer->GetDisplay("kept") && !renderer->GetAutoClear("kept"));
+    EXPECT_FALSE(renderer->GetAlwaysInFront("kept"));
     std::vector<char const *> frames;
     renderer->List(frames);
     EXPECT_EQ(std::vector<std::string>(frames.begin(), frames.end()),

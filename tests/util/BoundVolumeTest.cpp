@@ -203,6 +203,7 @@ TEST(BoundVolume, RaysEnterOrLeave) {
         // away from it, past it, and through one slab behind the other
         {{{-5, 2, 3}, {-1, 0, 0}}, false, {}},
         {{{-5, 7, 3}, {1, 0, 0}}, false, {}},
+        {{{-5, 2, 3}, {1, 0, 1}}, false, {}},
         // parallel on the face counts, and a direction of at most 1e-6 is parallel
         {{{-5, 6, 3}, {1, 0, 0}}, true, {0, 6, 3}},
         {{{-5, 6.001f, 3}, {1, 0, 0}}, false, {}},

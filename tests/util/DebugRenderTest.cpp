@@ -119,7 +119,8 @@ TEST_F(DebugRenderTest, FramesAreTheProxys) {
     switchAndTick("f");
     EXPECT_FALSE(D::GetDisplay("f") || D::GetAutoClear("f"));
     EXPECT_TRUE(D::GetAlwaysInFront("f"));
-    EXPECT_TRUE(D::GetDisplay(D::GlobalFrame()));
+    EXPECT_TRUE(D::GetDisplay(D::GlobalFrame()) && D::GetAutoClear(D::GlobalFrame()));
+    EXPECT_FALSE(D::GetAlwaysInFront(D::GlobalFrame()));
     std::vector<char const *> frames{"old"};
     D::List(frames);
     EXPECT_EQ(D::GetTextWidth("text"), 0.03125f);
@@ -135,6 +136,8 @@ TEST_F(DebugRenderTest, FramesAreTheProxys) {
 {"call":"GetAutoClear","frame":"f","result":false}
 {"call":"GetAlwaysInFront","frame":"f","result":true}
 {"call":"GetDisplay","frame":"Global","result":true}
+{"call":"GetAutoClear","frame":"Global","result":true}
+{"call":"GetAlwaysInFront","frame":"Global","result":false}
 {"call":"List","result":["f","Global"]}
 {"call":"GetTextWidth","text":"text","result":0.03125}
 {"call":"GetTextHeight","result":0.0234375}
@@ -164,11 +167,15 @@ TEST_F(DebugRenderTest, OddValuesAreHandedOnAsTheyAre) {
     constexpr float c_nan = std::numeric_limits<float>::quiet_NaN();
     D::Draw(D::Circle{{c_nan, c_inf, -c_inf}, -0.0f, {}}, nullptr);
     D::Draw(D::Text2D{{1e30f, 1.0f / 3.0f}, nullptr, {}}, "\"\\\n\xC3\x84\xFF");
+    EXPECT_EQ(D::GetTextWidth("\xC3\x84\x7F"), 0.0234375f);
     EXPECT_EQ(D::GetTextWidth(nullptr), 0.0f);
     EXPECT_EQ(
         Written(),
         R"({"call":"Draw","shape":"Circle","frame":null,"centre":["nan","inf","-inf"],"radius":-0,"colour":"0x00000000"}
 {"call":"Draw","shape":"Text2D","frame":"\"\\\u000A\u00C3\u0084\u00FF","position":[1e+30,0.33333334],"text":null,"colour":"0x00000000"}
+{"call":"GetTextWidth","text":")"
+        "\xC3\x84\x7F"
+        R"(","result":0.0234375}
 {"call":"GetTextWidth","text":null,"result":0}
 )");
     MathPrim::Mesh meshes[2];

@@ -143,16 +143,16 @@ TEST_F(InitListTest, ClearingAndDestroyingUndoNothing) {
     manager.LoadAll();
     manager.ClearRegister();
     EXPECT_EQ(manager.GetState(), Manager::Unloaded);
-    {
+    for (char const * const none : {"", static_cast<char const *>(nullptr)}) {
         TraceCapture const trace;
-        Manager unnamed(nullptr);
+        Manager unnamed(none);
         auto * const failing = new Step(log, '9');
         failing->answer = InitList::Failed;
         unnamed.Register(failing, "step", 1.0f);
         unnamed.Load();
         EXPECT_EQ(trace.lines, std::vector<std::string>{"*Unnamed* -- Failed load for step: 'step'"});
     }
-    EXPECT_EQ(log, "L1 L2 D1 D2 L9 D9");
+    EXPECT_EQ(log, "L1 L2 D1 D2 L9 D9 L9 D9");
 }
 
 TEST_F(InitListTest, RegisteringRestartsTheListAndUndoesNothing) {

@@ -429,9 +429,12 @@ TEST_F(InvTest, PreloadTouchesNoFlag) {
     std::unique_ptr<Inv::NamedResource> const preloaded(kind.lastLoaded);
     std::unique_ptr<Inv::NamedResource> const loaded(a.Get());
     kind.missing = {"A"};
-    kind.hasDefault = true;
-    Front::Preload("A", &kind);
-    EXPECT_EQ(TakeLog(), (Log{"load a", "load a", "post a", "load A", "default A"}))
+    for (bool const hasDefault : {false, true}) {
+        EXPECT_EQ(a->content, "a");
+        kind.hasDefault = hasDefault;
+        Front::Preload("A", &kind);
+    }
+    EXPECT_EQ(TakeLog(), (Log{"load a", "load a", "post a", "load A", "default A", "load A", "default A"}))
         << "the caller's spelling";
     EXPECT_EQ(a->content, "default");
     EXPECT_FALSE(Front::IsDefault(a.GetResource()));

@@ -155,8 +155,11 @@ TEST_F(PerfBlockTest, ANamedBlockSleepsUntilItIsEnabledOrAsked) {
     EXPECT_EQ(enabled.GetAverageTicks(), 10);
     EXPECT_EQ(asked.GetLastTicks(), 1000);
 
-    // a start that came while it slept was none
+    // what it was told while it slept did nothing
     enabled.Start();
+    enabled.Pause();
+    enabled.Resume();
+    PassTime(100);
     StatGraph::ChannelEnable("perf.enabled", true);
     enabled.Stop();
     EXPECT_EQ(enabled.GetAverageTicks(), 10);
