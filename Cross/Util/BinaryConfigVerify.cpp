@@ -34,7 +34,9 @@ public:
         bool sound = openTable(0, false);
         while (sound && !open.empty())
             sound = checkFields();
-        return sound && (end == size || fail(end, "bytes follow the last value"));
+        if (sound && end != size)
+            return fail(end, "bytes follow the last value");
+        return sound;
     }
 
     VerifyError Error() const {

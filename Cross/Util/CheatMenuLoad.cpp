@@ -143,9 +143,8 @@ void CheatMenu::ClearNodes() {
 
 void CheatMenu::Rec_ClearNode(MenuNode * node) {
     for (Item & item : node->items) {
-        if (!item.subMenu)
-            continue;
-        Rec_ClearNode(item.subMenu);
+        if (item.subMenu)
+            Rec_ClearNode(item.subMenu);
         delete std::exchange(item.subMenu, nullptr);
     }
     node->items.clear();

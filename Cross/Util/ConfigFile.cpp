@@ -108,8 +108,9 @@ bool ConfigFile::Save(char16_t const * path) const {
             content.append(key).append("=").append(value).append(c_lineEnd);
     }
     content.append(c_lineEnd);
-    auto const size = static_cast<unsigned int>(content.size());
-    if (size == content.size() && stream->Write(content.data(), size) == size && stream->Flush())
+    // More than the stream takes at once counts as a short write.
+    if (stream->Write(content.data(), static_cast<unsigned int>(content.size())) == content.size() &&
+        stream->Flush())
         return true;
     stream->Discard();
     dbTimeStampedTracefAux("Couldn't write config file %s", shown.c_str());

@@ -82,7 +82,9 @@ bool Save(KeyValueContainer const & container, ByteStream & stream, char const *
 bool Load(KeyValueContainer & container, ByteStream & stream, char const * name) {
     LuaConfig config("", false);
     LuaConfigSave::FilePathOnImport(config);
-    return LuaConfigSave::LoadLua(config, stream) && Load(container, config, name);
+    if (!LuaConfigSave::LoadLua(config, stream))
+        return false;
+    return Load(container, config, name);
 }
 
 bool Load(KeyValueContainer & container, LuaConfig & config, char const * name) {

@@ -1,4 +1,4 @@
-#include "tests/support/StreamBytes.h"
+#include "tests/support/ChunkFiles.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/ChunkList.h"
@@ -13,15 +13,12 @@ namespace {
 
 // A folder with a data chunk in it, and a volume behind: every word is one to see in a dump.
 std::string smallFile(PlatformType platform) {
-    FilledStream stream;
-    Chunky file(stream, platform);
-    file.WriteFolderChunkName(FourCC("MENU"), 1, "top");
-    file.WriteDataChunk(7, 2, -1);
-    file.WriteBytes("seventeen letters", 17);
-    file.PopChunk();
-    file.PopChunk();
-    BoundVolumeIO::Save(file, BoundVolume());
-    return stream.Content();
+    return ChunkFile(platform, [](Chunky & file) {
+        file.WriteFolderChunkName(FourCC("MENU"), 1, "top");
+        WriteData(file, 7, 2, "seventeen letters");
+        file.PopChunk();
+        BoundVolumeIO::Save(file, BoundVolume());
+    });
 }
 
 void writeDictionary(Chunky & file) {
@@ -46,7 +43,7 @@ std::string sampleTable() {
     creator.SetNumber("speed", 1.5f);
     creator.SetBool("on", true);
     creator.SetString("tag", "a");
-    creator.SetWString("wide", u"w");
+    creator.SetWString("wide", u"\u0100"); // whose low byte is none of a terminator
     creator.TablePush("sub", false);
     creator.SetNumber("x", -1);
     creator.TablePop();
@@ -75,6 +72,7 @@ std::string fileOfAllKinds(PlatformType platform) {
     BoundVolume volume;
     volume.SetSphere({{1, 2, 3}, 4});
     BoundVolumeIO::Save(file, volume);
+    writeTable(file, "");
     BasicMeshIO::SaveList(file, {{{{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}}, {0, 1, 2}, {}}, "tri"}, {}});
     return stream.Content();
 }
@@ -163,10 +161,11 @@ TEST(ChunkList, NotesTellWhatTheLibraryStores) {
              "\ntexts 1\nkey 0x12AB97D0\ntext of 5 bytes\n\"speed\"\n",
              "\ntable of 5 fields\nfield 0x12AB97D0, its value at 145\n",
              "\n0x12AB97D0: Float 1.5\n0xB8ED05D9: Bool true\n0xD8DAF8B2: String \"a\"\nunused\n"
-             "0xE1B972C1: WString \"w\"\n0xFF6AAAAD: table of 1 field\nfield 0xD6D9AF33, its value at 173\n"
-             "0xD6D9AF33: Integer -1\n",
+             "0xE1B972C1: WString \"\xC4\x80\"\n0xFF6AAAAD: table of 1 field\n"
+             "field 0xD6D9AF33, its value at 173\n0xD6D9AF33: Integer -1\n",
              "\ncrc 0xCBF43926\nbytes of image 9\nno sound table: at ",
              "\nimage of an attribute table\n",
+             "\nbytes of image 0\nno sound table: at ",
              "\nhas a sphere true\nis valid true\nsphere centre 0 0 0\nsphere radius 0\nbox centre 0 0 0\n",
              "\nis valid true\nbox centre 1 2 3\nbox extents 4 4 4\nbox axis 1 0 0\nbox axis 0 1 0\nbox axis "
              "0 0 1\n",
@@ -191,14 +190,28 @@ TEST(ChunkList, EveryByteIsToldOnceInDamagedFilesToo) {
         }
 }
 
-TEST(ChunkList, DamageIsShownInItsPlace) {
-    struct Case {
-        std::size_t offset;
-        char const * bytes; // in place of those of the small file
-        char const * chunks;
-    };
+TEST(ChunkList, IdsAreLettersWhereAllCanBeSeen) {
+    EXPECT_EQ(ChunkIdText(FourCC("A~!z")), "A~!z");
+    EXPECT_EQ(ChunkIdText(FourCC("AB C")), "0x41422043");
+    EXPECT_EQ(ChunkIdText(FourCC("ABC\x7F")), "0x4142437F");
+    EXPECT_EQ(ChunkIdText(FourCC("AB\"C")), "0x41422243");
+    EXPECT_EQ(ChunkIdText(FourCC("AB\\C")), "0x41425C43");
+}
 
-    Case const c_cases[] = {
+TEST(ChunkList, ReasonsLeaveThePlaceOut) {
+    FilledStream stream;
+    std::pair<char const *, char const *> const c_cases[] = {
+        {"chunk 'ITEM' at offset 39 of 'RamStream': no data: none", "no data: none"},
+        {"'RamStream' is gone", "'RamStream' is gone"},
+        {"out of memory: none is left", "out of memory: none is left"},
+    };
+    for (auto const & [message, reason] : c_cases)
+        EXPECT_EQ(ChunkReason(std::runtime_error(message), stream), reason);
+}
+
+TEST(ChunkList, DamageIsShownInItsPlace) {
+    std::tuple<std::size_t, char const *, char const *> const c_cases[] = {
+        // place in the small file, what stands there instead, what is listed
         // in a folder: the chunks behind the folder are still there
         {39, "07",
          "        16         60         37       61.9  folder \"MENU\" version 1 \"top\"\n"
@@ -221,11 +234,11 @@ TEST(ChunkList, DamageIsShownInItsPlace) {
          "conversion of its line ends\n"},
     };
     TemporaryFolder const folder;
-    for (Case const & test : c_cases) {
-        std::string const bytes = FromHex(test.bytes);
-        std::string const text = listed(folder, smallFile(1).replace(test.offset, bytes.size(), bytes), "");
+    for (auto const & [offset, digits, chunks] : c_cases) {
+        std::string const bytes = FromHex(digits);
+        std::string const text = listed(folder, smallFile(1).replace(offset, bytes.size(), bytes), "");
         EXPECT_EQ(text.find("damaged: "), 0u);
-        EXPECT_EQ(text.substr(text.find("% of file  chunk\n") + 17), test.chunks);
+        EXPECT_EQ(text.substr(text.find("% of file  chunk\n") + 17), chunks);
     }
     EXPECT_NE(listed(folder, "", "--json")
                   .find("\n{\"offset\": 0, \"bytes\": 0, \"percent\": 0.0, \"damage\": "

@@ -19,16 +19,11 @@ std::string findings(std::string const & text) {
 } // namespace
 
 TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
-    struct Case {
-        std::string text;
-        std::string findings;
-    };
-
     std::string const malformed = "is dropped: neither [section], key=value nor a comment\n";
     std::string const feed = "ends with LF alone: the next line counts as part of it\n";
     std::string const longName = "has a name of more than 255 characters, which no program can ask for\n";
     std::string const noHeader = "there is no section header: the file does not load\n";
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         {"[a]\r\nx=1\r\n\r\n; note\r\n[A]\r\ny=2", ""},
         {"x=1\r\n[a]\r\nX=1\r\n[b]\r\nx=1\r\n[A]\r\nx=2\r\n",
          "1: is dropped: the key \"x\" stands in front of the first header\n"
@@ -41,6 +36,8 @@ TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
              "2: is dropped: the key \"x\" stands in front of the first header\n3: " + noHeader},
         {"[a]\r\nk=" + std::string(1022, 'x') + "\r\nword\r\n",
          "2: is cut at 1023 bytes: the rest counts as the next line\n2: " + malformed + "3: " + malformed},
+        {"[a]\r\nk=" + std::string(1020, 'x') + "\rword\r\n",
+         "2: is cut at 1023 bytes: the rest counts as the next line\n2: " + malformed},
         // an end that does not fit is no text that is cut, and LF around a line joins nothing
         {"[a]\r\nk=" + std::string(1020, 'x') + "\r\nword\r\n", "3: " + malformed},
         {"[a]\r\nk=" + std::string(1021, 'x') + "\r\nword\r\nl=" + std::string(1021, 'x'), "3: " + malformed},
@@ -49,8 +46,8 @@ TEST(ConfigLint, TellsWhatLoadingDropsOrCuts) {
          "1: " + longName + "2: " + longName},
         {"", "1: " + noHeader},
     };
-    for (Case const & test : c_cases)
-        EXPECT_EQ(findings(test.text), test.findings) << test.text;
+    for (auto const & [text, expected] : c_cases)
+        EXPECT_EQ(findings(text), expected) << text;
 }
 
 TEST(ConfigLint, TheVerbNamesFileAndLine) {

@@ -162,6 +162,8 @@ TEST_F(Crosstool, MapsFaultsToTheirPlaceInTheFile) {
         {"of two findings, the crc comes first", changed(flag, 3), c_crc, "the crc is 0x"},
         {"one behind the table", good + "end", good.size(), "3 bytes follow behind the table"},
         {"no version", changed(c_chunkHeader + 8, 0), c_chunkHeader, "the table has version 0, not 1"},
+        {"a folder", changed(c_chunkHeader, 1), c_chunkHeader, "a chunk of another kind"},
+        {"no room for crc and size", changed(c_chunkHeader + 12, 7), c_crc, "the chunk has 7 bytes, too few"},
         {"another id", changed(c_chunkHeader + 4, 'X'), c_chunkHeader, "a chunk of another kind"},
         {"no chunk", good.substr(0, c_chunkHeader), c_chunkHeader, "the file ends where the table"},
     };
@@ -265,8 +267,7 @@ TEST_F(Crosstool, TheProgramGivesTextAndExitCode) {
     FILE * const pipe = popen(command.c_str(), "r");
     ASSERT_NE(pipe, nullptr);
     char line[200] = "";
-    EXPECT_NE(std::fgets(line, sizeof(line), pipe), nullptr);
-    EXPECT_STREQ(line, "failed: /nowhere/at/all: does not exist\n");
+    EXPECT_STREQ(std::fgets(line, sizeof(line), pipe), "failed: /nowhere/at/all: does not exist\n");
     int const status = pclose(pipe);
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 2);
 }

@@ -69,18 +69,14 @@ protected:
 } // namespace
 
 TEST_F(MenuLint, TellsWhatIsDroppedAndWhatNeverWorks) {
-    struct Case {
-        std::string lines;
-        std::string findings;
-    };
-
     std::string const noNumber = "is dropped: it has no number \"type\"\n";
     std::string const set = "is never set: its \"set\" ";
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         {"{ name = 'a', type = Separator }, { name = 'b', type = SubMenu }, { name = 'c', type = 9 }", ""},
-        {"7, {}, { type = 3 }, { name = '', type = 3 }",
+        {"7, {}, { type = 3 }, { name = '', type = 3 }, [''] = 7",
          "[1]: is dropped: it has no text \"name\"\n[2]: is dropped: it has no text \"name\"\n"
-         "[3]: is dropped: it has no text \"name\"\n[4] \"\": is dropped: its \"name\" is empty\n"},
+         "[3]: is dropped: it has no text \"name\"\n[4] \"\": is dropped: its \"name\" is empty\n"
+         "[\"\"]: is dropped: it has no text \"name\"\n"},
         {"{ name = 'a' }, { name = 'b', type = '1' }, { name = 'c', type = 0/0 }",
          "[1] \"a\": " + noNumber + "[2] \"b\": " + noNumber + "[3] \"c\": " + noNumber},
         {"{ name = 'M', type = SubMenu, SubMenuItems = { ['x\\n'] = { name = 'a', type = Command } } }",
@@ -98,8 +94,8 @@ TEST_F(MenuLint, TellsWhatIsDroppedAndWhatNeverWorks) {
              "has more than one conversion\n[5] \"e\": " + set +
              "has a width or precision of more than three digits\n"},
     };
-    for (Case const & test : c_cases)
-        EXPECT_EQ(findings("SubMenuItems = {" + test.lines + "}"), test.findings) << test.lines;
+    for (auto const & [lines, expected] : c_cases)
+        EXPECT_EQ(findings("SubMenuItems = {" + lines + "}"), expected) << lines;
     EXPECT_EQ(findings(""), ": there is no table \"SubMenuItems\": the menu is empty\n");
     EXPECT_EQ(
         findings("SubMenuItems = { { name = 'M', type = 0 } } SubMenuItems[1].SubMenuItems = SubMenuItems"),

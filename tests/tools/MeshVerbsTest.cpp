@@ -1,5 +1,5 @@
 #include "Cross/Util/BoundVolumeIO.h"
-#include "tests/support/StreamBytes.h"
+#include "tests/support/ChunkFiles.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/tools/ToolRun.h"
 #include "tools/MeshCheck.h"
@@ -51,14 +51,13 @@ std::string findings(std::string const & bytes) {
 
 // A volume and a list of one triangle. The box begins at 37, the list at 97, the body of the mesh at 230.
 std::string goodFile() {
-    FilledStream stream;
-    Chunky file(stream, 1);
     MathPrim::Mesh const mesh{{{0, 0, 0}, {1, 0, 0}, {0, 2, 0}}, {0, 1, 2}, {}};
     BoundVolume volume;
     volume.Build(mesh.vertices.data(), 3);
-    BoundVolumeIO::Save(file, volume);
-    BasicMeshIO::SaveList(file, {{mesh, "tri"}});
-    return stream.Content();
+    return ChunkFile(1, [&](Chunky & file) {
+        BoundVolumeIO::Save(file, volume);
+        BasicMeshIO::SaveList(file, {{mesh, "tri"}});
+    });
 }
 
 // The corners of a star of `count` corners around a middle, every second one near it, in the plane of two
@@ -121,12 +120,13 @@ TEST(MeshVerbs, ImportsObjectsAndTheirBounds) {
 }
 
 TEST(MeshVerbs, ImportTellsFileAndLine) {
-    struct Case {
-        std::string text, reason;
-    };
-
     std::string const three = "v 0 0 0\nv 1 0 0\nv 0 1 0\n";
-    Case const c_cases[] = {
+    std::string corners, faults;
+    for (int i = 0; i < 257; ++i) {
+        corners += " 1";
+        faults += "v\n";
+    }
+    std::pair<std::string, std::string> const c_cases[] = {
         {three + "v 1 x 3\n", ":4: \"x\" is no coordinate\n"},
         {three + "v 1 2\n", ":4: \"\" is no coordinate\n"},
         {three + "v -1e18 1e19 0\n", ":4: \"1e19\" is no coordinate\n"},
@@ -139,6 +139,7 @@ TEST(MeshVerbs, ImportTellsFileAndLine) {
         {three + "f 1 2 3x\n", ":4: \"3x\" is no corner of a face\n"},
         {three + "f 1 2 3/1/1/1\n", ":4: \"3/1/1/1\" is no corner of a face\n"},
         {three + "f 1 2\nf\n", ":4: a face has 3 to 256 corners, not 2\n"},
+        {three + "f" + corners + "\n", ":4: a face has 3 to 256 corners, not 257\n"},
         {three + "f 1 2 3\nface 1 2 3\n", ":5: the keyword \"face\" is not known\n"},
         {three + "v 1 1 0\nf 1 4 2 3\n", ":5: the face crosses itself or has no area\n"},
         {three, ": there are no faces in it\n"},
@@ -147,21 +148,24 @@ TEST(MeshVerbs, ImportTellsFileAndLine) {
     TemporaryFolder const folder;
     std::string const obj = folder / "a.obj", mesh = folder / "a.msh";
     folder.WriteFile("a.msh", "old");
-    for (Case const & test : c_cases) {
-        folder.WriteFile("a.obj", test.text);
+    for (auto const & [text, reason] : c_cases) {
+        folder.WriteFile("a.obj", text);
         ToolResult const result = RunTool({"mesh", "import", obj, mesh});
         EXPECT_EQ(result.code, 2);
-        EXPECT_EQ(result.err.substr(0, result.err.find('\n') + 1), "failed: " + obj + test.reason);
+        EXPECT_EQ(result.err.substr(0, result.err.find('\n') + 1), "failed: " + obj + reason);
     }
     EXPECT_EQ(folder.ReadFile("a.msh"), "old");
     EXPECT_EQ(RunTool({"mesh", "import", obj, obj}).code, 2);
+    Lines errors;
+    ReadObj("a", faults, errors);
+    EXPECT_EQ(errors.size(), 20u);
     folder.WriteFile("a.obj", three + "f 1 2 3\n");
     EXPECT_EQ(RunTool({"mesh", "import", obj, folder / "no/a.msh"}).code, 2);
 }
 
 TEST(MeshVerbs, MeshesHaveNoMoreVerticesThanAnIndexTellsApart) {
     std::string text;
-    for (int i = 0; i < 65537; ++i)
+    for (int i = 0; i < 65538; ++i)
         text += "v " + std::to_string(i) + " 0 1\n";
     std::string const before = text;
     for (int i = 1; i + 2 <= 65536; i += 2)
@@ -170,8 +174,8 @@ TEST(MeshVerbs, MeshesHaveNoMoreVerticesThanAnIndexTellsApart) {
     auto const meshes = ReadObj("a", text + "f 65536 1 2\n", errors);
     ASSERT_EQ(errors, Lines());
     EXPECT_EQ(meshes.front().mesh.vertices.size(), 65536u);
-    EXPECT_TRUE(ReadObj("a", text + "f 65536 1 2\nf 1 2 65537\nf 1 2 65537\n", errors).empty());
-    EXPECT_EQ(errors, Lines{"a:98306: the mesh \"\" has more than 65536 vertices"});
+    EXPECT_TRUE(ReadObj("a", text + "f 65536 1 2\nf 1 65537 65538\nf 1 2 65537\n", errors).empty());
+    EXPECT_EQ(errors, Lines{"a:98307: the mesh \"\" has more than 65536 vertices"});
 }
 
 TEST(PolygonCut, TrianglesFillPolygonsOfAnyShape) {
@@ -197,19 +201,18 @@ TEST(PolygonCut, TrianglesFillPolygonsOfAnyShape) {
 }
 
 TEST(MeshCheck, EachThingWrongHasItsPlace) {
-    struct Case {
-        std::size_t offset;
-        char const * bytes; // in place of those of the good file
-        char const * findings;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<std::size_t, char const *, char const *> const c_cases[] = {
+        // place in the good file, what stands there instead, what is found
         {0, "58", ""},
         {36, "00", "37: 60 bytes follow behind the bound volume\n"},
         {37, "0000C07F", "37: the centre of the box is not finite\n"},
         {49, "000080BF", "49: the extents of the box are not finite numbers from 0 up\n"},
+        {49, "0000C07F", "49: the extents of the box are not finite numbers from 0 up\n"},
         {61, "00000000", "61: the axes of the box are not of length 1 and at right angles\n"},
         {24, "03", "16: \"BVOL\" has version 3, newer than 2, the newest known\n"},
+        {97, "02", "97: \"MSHL\" is a data chunk, not a folder\n"},
+        {130, "01",
+         "130: \"MSLI\" is a folder, not a data chunk\n162: the 4 bytes left are too few for a chunk\n"},
         {162, "02", "162: the list tells of 2 meshes, but holds 1\n"},
         {194, "04", "194: the name of the mesh exceeds its chunk\n"},
         {194, "02", "200: 1 byte follows behind the name of the mesh\n"},
@@ -218,16 +221,56 @@ TEST(MeshCheck, EachThingWrongHasItsPlace) {
         {230, "FFFFFF00", "230: 16777215 vertices and 3 indices take 201326586 bytes, but 42 are left\n"},
         {234, "02", "234: 2 indices are not three per triangle\n278: 2 bytes follow behind the mesh\n"},
         {242, "0000C07F", "238: vertex 0 is not finite\n"},
+        {246, "0000C07F", "238: vertex 0 is not finite\n"},
         {250, "00004040", "250: vertex 1 lies outside of the bound volume\n"},
         {274, "03000300", "274: index 0 is 3, but there are 3 vertices, and 1 more like it\n"},
     };
     std::string const good = goodFile();
-    for (Case const & test : c_cases) {
-        std::string const bytes = FromHex(test.bytes);
-        EXPECT_EQ(findings(std::string(good).replace(test.offset, bytes.size(), bytes)), test.findings)
-            << test.offset;
+    for (auto const & [offset, digits, expected] : c_cases) {
+        std::string const bytes = FromHex(digits);
+        EXPECT_EQ(findings(std::string(good).replace(offset, bytes.size(), bytes)), expected) << offset;
     }
     EXPECT_EQ(findings(good.substr(0, 16)), "16: the file has neither a mesh nor a bound volume\n");
+}
+
+TEST(MeshCheck, ContentThatEndsEarlyIsFound) {
+    std::tuple<std::uint32_t, std::uint32_t, std::size_t, char const *> const c_cases[] = {
+        {FourCC("BVOL"), 1, 78, "36: the bound volume exceeds its chunk\n"},
+        {FourCC("BVOL"), 2, 61, "36: the bound volume exceeds its chunk\n"},
+        {FourCC("BMSH"), 1, 8, "36: the counts of the mesh exceed its chunk\n"},
+    };
+    for (auto const & [id, version, whole, expected] : c_cases)
+        for (std::string bytes; bytes.size() < whole; bytes += '\1') {
+            auto const write = [&, id = id, version = version](Chunky & file) {
+                WriteData(file, id, version, bytes);
+            };
+            EXPECT_EQ(findings(ChunkFile(1, write)), expected) << bytes.size();
+        }
+}
+
+TEST(MeshCheck, ListsHoldWhatTheyTell) {
+    std::string const none(4, '\0');
+
+    std::pair<std::vector<std::pair<std::uint32_t, std::string>>, char const *> const c_cases[] = {
+        // what stands in the list, what is found
+        {{}, "36: the list ends in front of its MSLI\n"},
+        {{{FourCC("MSLI"), "no"}}, "56: the number of meshes exceeds its chunk\n"},
+        {{{FourCC("MSLI"), none}, {FourCC("MSHI"), none}}, "84: the list ends in front of a BMSH\n"},
+        {{{FourCC("MSLI"), none}}, ""},
+    };
+    std::string summary;
+    for (auto const & [chunks, expected] : c_cases) {
+        std::string const bytes = ChunkFile(1, [&chunks = chunks](Chunky & file) {
+            file.WriteFolderChunkName(FourCC("MSHL"), 1, nullptr);
+            for (auto const & [id, content] : chunks)
+                WriteData(file, id, 1, content);
+            file.PopChunk();
+            WriteData(file, FourCC("ELSE"), 1, "");
+        });
+        EXPECT_EQ(findings(bytes), expected);
+        summary = check(bytes).Summary();
+    }
+    EXPECT_EQ(summary, "0 meshes, 0 vertices, 0 triangles, 0 bound volumes, 1 chunk of other kinds");
 }
 
 // Whatever the library refuses is found, whichever byte is damaged, and what is good is loaded.

@@ -58,12 +58,7 @@ std::string const c_crash = "\nthe row of names is missing, as after a crash: ch
 } // namespace
 
 TEST(StatsLog, ReadsWhatTheSinkWrites) {
-    struct Case {
-        std::string text;
-        std::string log;
-    };
-
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         // columns open at the right; an empty field is a gap; names come last
         {"1.000,0.500,\n1.016,,-2.000,\ntime,a,b \xC3\x84,\n", "a 0:0.5 !0;b \xC3\x84 1:-2 !0; 1000 1016"},
         {"1.000,0.500,\r\ntime,a,\r\n", "a 0:0.5 !0; 1000"},
@@ -84,21 +79,16 @@ TEST(StatsLog, ReadsWhatTheSinkWrites) {
         {"1.000," + std::string(4088, '0') + ",\r\n", "channel 1 0:0 !0; 1000" + c_crash},
         {"1.000,340282346638528859811704183484516925440.000,\ntime,a,\n", "a 0:3.40282e+38 !0; 1000"},
     };
-    for (Case const & test : c_cases)
-        EXPECT_EQ(shown(read(test.text)), test.log) << test.text;
+    for (auto const & [text, log] : c_cases)
+        EXPECT_EQ(shown(read(text)), log) << text;
 }
 
 TEST(StatsLog, RefusesWhatNoSinkWrites) {
-    struct Case {
-        std::string text;
-        char const * reason;
-    };
-
     std::string const row = "1.000,0.500,\n", noRow = "is no row of a stat graph's log";
     std::string wide = "1.000,";
     for (int i = 0; i < 129; ++i)
         wide += "1,";
-    Case const c_cases[] = {
+    std::pair<std::string, char const *> const c_cases[] = {
         {"", "holds no rows, as when no channel was enabled"},
         {"time,a,\n", "holds no rows"},
         {"time,a", "holds no rows"},
@@ -124,9 +114,9 @@ TEST(StatsLog, RefusesWhatNoSinkWrites) {
         {"1.000," + std::string(4090, '0') + ",\n" + row,
          "line 1: is longer than a row of a stat graph's log"},
     };
-    for (Case const & test : c_cases) {
-        std::string const reason = ReasonOf([&] { read(test.text); });
-        EXPECT_NE(reason.find(test.reason), std::string::npos) << reason << "\n" << test.text.substr(0, 100);
+    for (auto const & [text, reason] : c_cases) {
+        std::string const told = ReasonOf([&text = text] { read(text); });
+        EXPECT_NE(told.find(reason), std::string::npos) << told << "\n" << text.substr(0, 100);
     }
 }
 
@@ -181,13 +171,8 @@ TEST(StatsPlot, BreaksTheLineAtGapsAndShowsEveryName) {
 }
 
 TEST(StatsPlot, AxesHaveRoundSteps) {
-    struct Case {
-        char const * text;
-        char const * values; // from the bottom
-        char const * times;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<char const *, char const *, char const *> const c_cases[] = {
+        // rows, labels from the bottom and from the left
         {"0.000,1,\n12.000,4,\n", "0 1 2 3 4 ", "0 1 2 3 4 5 6 7 8 9 10 11 12 "},
         {"5.000,-3,\n5.030,7,\n", "-5 0 5 10 ", "0 0.005 0.01 0.015 0.02 0.025 0.03 "},
         // values that lie closer to each other than to 0 do without it
@@ -197,10 +182,10 @@ TEST(StatsPlot, AxesHaveRoundSteps) {
         {"0.000,-5,\n300.000,-5,\n", "-6 -4 -2 0 ", "0 50 100 150 200 250 300 "},
         {"0.000,0,\n300.000,0,\n", "0 0.5 1 ", "0 50 100 150 200 250 300 "},
     };
-    for (Case const & test : c_cases) {
-        std::string const svg = PlotStats(read(test.text), "t");
-        EXPECT_EQ(labelsOf(svg, "x=\"84.00\""), test.values) << test.text;
-        EXPECT_EQ(labelsOf(svg, "[^>]*\"middle\""), test.times) << test.text;
+    for (auto const & [text, values, times] : c_cases) {
+        std::string const svg = PlotStats(read(text), "t");
+        EXPECT_EQ(labelsOf(svg, "x=\"84.00\""), values) << text;
+        EXPECT_EQ(labelsOf(svg, "[^>]*\"middle\""), times) << text;
     }
 }
 

@@ -57,6 +57,7 @@ TEST(SyncDiff, NamesFrameGroupAndValueOfTheFirstDifference) {
         {"a group less",
          replaced(good, "  unit: \n  {\n    pos: [ 0.0 <0> ]\n    alive: [ true <1> ]\n  }\n", ""), "7",
          "Sim", 10, 10, 0},
+        {"a value less", replaced(good, "    pos: [ 1.0 <3f800000> ]\n", ""), "7", "Sim/unit", 7, 7, 0},
         {"cut short", good.substr(0, good.size() - 2), "8", "Sim", 30, 0, 0},
     };
     for (Case const & test : c_cases) {
@@ -68,13 +69,17 @@ TEST(SyncDiff, NamesFrameGroupAndValueOfTheFirstDifference) {
         EXPECT_EQ(report.difference[0].number, test.firstLine);
         EXPECT_EQ(report.difference[1].number, test.secondLine);
         EXPECT_EQ(report.laterGroups, test.laterGroups);
+        SyncReport const reverse = diff(test.other, good);
+        EXPECT_EQ(reverse.path, test.path);
+        EXPECT_EQ(reverse.difference[0].number, test.secondLine);
     }
     EXPECT_TRUE(diff(good, good).AreEqual());
     EXPECT_EQ(diff(good, good).lines, 30u);
 }
 
 TEST(SyncDiff, TotalsAloneAreADifference) {
-    SyncReport const report = diff("Total CRC: [ 1 ]\n", "Total CRC: [ 2 ]\n");
+    SyncReport const report =
+        diff("Total CRC: [ 1\nTotal CRC: [ 3 ]\n", "Total CRC: [ 2 ]\nTotal CRC: [ 4 ]\n");
     EXPECT_FALSE(report.AreEqual());
     EXPECT_FALSE(report.linesDiffer);
     EXPECT_EQ(report.totals[0] + "|" + report.totals[1], "1|2");
@@ -84,7 +89,14 @@ TEST(SyncDiff, TotalsAloneAreADifference) {
 TEST(SyncDiff, UnbalancedGroupsAreCompared) {
     std::string const begin = "Total CRC: [ 1 ]\n}\n}\na: \n{\n  b: [ 1 ]\n";
     EXPECT_TRUE(diff(begin, begin).AreEqual());
+    EXPECT_EQ(
+        diff(begin + "no group {\nno end }\n  c: [ 1 ]", begin + "no group {\nno end }\n  c: [ 2 ]").path,
+        "a/c");
+    EXPECT_EQ(diff(begin + "x\nTotal CRC: [ 3 ]\nd: [ 1 ]\n", begin + "y\nTotal CRC: [ 3 ]\nd: [ 2 ]\n")
+                  .laterGroups,
+              1u);
     EXPECT_EQ(diff(begin + "  c: [ 1 ]", begin + "  c: [ 2 ]").path, "a/c");
+    EXPECT_EQ(diff(begin + "Total CRC: [ 3 ]\n", begin + "x\n").path, "a");
     EXPECT_EQ(diff(begin + "Total CRC: [ 3 ]\nd: [ 1 ]\n", begin + "Total CRC: [ 3 ]\nd: [ 2 ]\n").path, "d");
 }
 
@@ -94,34 +106,25 @@ TEST(SyncDiff, WhatIsNoBlockIsRefusedWithItsLine) {
     for (int depth = 0; depth < 10'001; ++depth)
         deep += "g: \n{\n";
 
-    struct Case {
-        std::string text;
-        std::string reason;
-    };
-
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         {"", "line 0: this is no printed sync block"},
         {std::string("\x7F"
                      "ELF\0\n\xFF",
                      7),
          "line 1: this is no printed sync block"},
-        {block + std::string(20'000, 'x'), "line 2: the line is longer than a printed block has"},
+        {block + std::string(16'384, 'x'), "line 2: the line is longer than a printed block has"},
         {deep, "line 20003: groups are nested too deep"},
     };
-    for (Case const & test : c_cases) {
-        std::string const reason = ReasonOf([&] { diff(test.text, test.text); });
-        EXPECT_NE(reason.find(test.reason), std::string::npos) << reason;
+    std::string const longest = block + std::string(16'383, 'x') + "\n";
+    EXPECT_TRUE(diff(longest, longest).AreEqual());
+    for (auto const & [text, reason] : c_cases) {
+        std::string const told = ReasonOf([&text = text] { diff(text, text); });
+        EXPECT_NE(told.find(reason), std::string::npos) << told;
     }
 }
 
 TEST(SyncDiff, DistancesComeFromTheBitPatterns) {
-    struct Case {
-        char const * first;
-        char const * second;
-        std::vector<std::string> distances;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<char const *, char const *, std::vector<std::string>> const c_cases[] = {
         {"[ 1.0 <3f800000> ]", "[ 1.0 <3f800001> ]", {"number 1: 1 unit in the last place"}},
         {"[ (0.0 <0>, 1.0 <3f800000>) ]",
          "[ (-0.0 <80000000>, 2.0 <40000000>) ]",
@@ -130,10 +133,14 @@ TEST(SyncDiff, DistancesComeFromTheBitPatterns) {
         {"[ nan <7fc00000> ]", "[ 1.0 <3f800000> ]", {"number 1: not a number"}},
         {"[ true <1> ]", "[ false <0> ]", {}},
         {"[ 12 ]", "[ 13 ]", {}},
+        {"[ 1.0 <3f800000> ]", "[ nan <7fc00000> ]", {"number 1: not a number"}},
+        {"[ 1.0 <3f800000> ]", "[ 1 ]", {}},
         {"[ a <b ]", "[ a <c ]", {}},
+        {"[ a <x> ]", "[ a <y> ]", {}},
+        {"[ a <b", "[ a <c", {}},
     };
-    for (Case const & test : c_cases)
-        EXPECT_EQ(SyncDistances(test.first, test.second), test.distances) << test.first;
+    for (auto const & [first, second, distances] : c_cases)
+        EXPECT_EQ(SyncDistances(first, second), distances) << first;
 }
 
 TEST(SyncDiff, TheVerbPrintsVerdictPlaceAndSurroundings) {

@@ -3,6 +3,8 @@
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/Util/NameHash.h"
 #include "Cross/engine/filesystem/FilePathHDRaw.h"
+#include "tests/support/FailingStream.h"
+#include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
 
 #include <gtest/gtest.h>
@@ -94,20 +96,17 @@ TEST(TableSource, OrderedTablesKeepTheirOrder) {
 }
 
 TEST(TableSource, RefusesWhatATableCannotHold) {
-    struct Case {
-        char const * source;
-        char const * expected; // what stands behind "file: "
-    };
-
     std::string const longName(256, 'n');
     std::string const longSource = longName + " = 1";
     std::string const longError = longName + ": has a name of 256 bytes; 255 is the most";
-    Case const cases[] = {
+    std::pair<char const *, char const *> const cases[] = {
+        // source, what stands behind "file: "
         // kinds of values and keys
         {"a = { f = function() end }", "a.f: is a function; values are"},
         {"a = { [true] = 1 }", "a: has a key that is a boolean"},
         {"a = { [1.5] = 1 }", "a: has the key 1.5; number keys"},
         {"a = { [-1] = 1 }", "a: has the key -1; number keys"},
+        {"a = { [2 ^ 60] = 1 }", "a: has the key 1.1529215046068e+18; number keys"},
         {"_G[0/1 - 2] = 1", "the root table: has the key -2; number keys"},
         {"a = 'x\\0y'", "a: is a text with a zero byte"},
         {"a = { ['x\\0y'] = 1 }", "has a name with a zero byte"},
@@ -131,6 +130,7 @@ TEST(TableSource, RefusesWhatATableCannotHold) {
         {"types = { wide = 'a' }", "types.wide: is a text, not a list of paths"},
         {"types = { wide = { 7 } }", "types.wide: the entry 1 is no path"},
         {"t = {} types = { integer = { t = { 'a' } } }", "types.integer: the entry t is no path"},
+        {"t = {} types = { integer = { t = 'a' } }", "types.integer: the entry t is no path"},
         {"a = 'x' types = { integer = { 'a' } }", "a: is a text, not a number (types.integer \"a\")"},
         {"a = 1 types = { wide = { 'a' } }", "a: is a number, not a text (types.wide \"a\")"},
         {"a = 1 types = { ordered = { 'a' } }", "a: is a number, not a table (types.ordered \"a\")"},
@@ -151,6 +151,7 @@ TEST(TableSource, RefusesWhatATableCannotHold) {
         {"a = { x = 1 } types = { ordered = { a = { x = 'x' } } }",
          "types.ordered \"a\": is no list of names"},
         {"a = { 1 } types = { ordered = { a = { 1.5 } } }", "types.ordered \"a\": is no list of names"},
+        {"a = { 1 } types = { ordered = { a = { true } } }", "types.ordered \"a\": is no list of names"},
         {"a = {} types = { ordered = { 'a', a = {} } }", "a: is listed a second time"},
         // faults of the script, with their line
         {"a = 1\nb = = 2", ":2: unexpected symbol near '='"},
@@ -165,14 +166,23 @@ TEST(TableSource, RefusesWhatATableCannotHold) {
         {"a = 1.5 f = print types = { integer = { 'a', 'gone' } }",
          "types.integer \"gone\": matches nothing"},
     };
-    for (Case const & each : cases) {
-        Built built(each.source);
-        SCOPED_TRACE(each.source);
+    for (auto const & [source, expected] : cases) {
+        Built built(source);
+        SCOPED_TRACE(source);
         EXPECT_FALSE(built.isGood);
-        EXPECT_NE(built.Errors().find(each.expected), std::string::npos) << built.Errors();
+        EXPECT_NE(built.Errors().find(expected), std::string::npos) << built.Errors();
         EXPECT_EQ(built.Errors().find(built.path + ":"), 0u) << built.Errors();
         EXPECT_EQ(built.table.GetCount(), 0u) << "nothing went to the builder";
     }
+}
+
+TEST(TableSource, ASourceThatCannotBeReadIsTold) {
+    FilledStream memory("a = 1");
+    FailingStream stream(memory, 2);
+    BinaryConfigCreator creator;
+    TableSource::Report report;
+    EXPECT_FALSE(TableSource::Build(stream, creator, report));
+    EXPECT_EQ(report.errors, std::vector<std::string>{"RamStream: cannot be read"});
 }
 
 TEST(TableSource, AcceptsTheNearMisses) {

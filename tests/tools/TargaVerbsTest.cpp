@@ -1,4 +1,6 @@
 #include "Cross/Util/TGAIO.h"
+#include "tests/support/FailingStream.h"
+#include "tests/support/ReasonOf.h"
 #include "tests/support/StreamBytes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/TraceCapture.h"
@@ -88,9 +90,7 @@ TEST(TargaVerbs, InfoTellsEveryField) {
     folder.WriteFile("a.tga", FromHex("00 01 03 0000 0000 00 0000 0000 0200 0100 18 00"));
     ToolResult const refused = RunTool({"tga", "info", file});
     EXPECT_EQ(refused.code, 1);
-    EXPECT_EQ(refused.out.find("does not load: " + file + ": offset 1: colour map type is 1: must be 0\n" +
-                               file + ": offset 2: image type is 3: shades of grey; must be 2 or 10\nbyte"),
-              0u);
+    EXPECT_NE(refused.out.find("; must be 2 or 10\nbyte"), std::string::npos);
     ToolResult const json = RunTool({"tga", "verify", file, "--json"});
     EXPECT_EQ(json.code, 1);
     EXPECT_EQ(
@@ -105,13 +105,27 @@ TEST(TargaVerbs, InfoTellsEveryField) {
     EXPECT_EQ(RunTool({"tga", "info", folder / "none.tga"}).code, 2);
 }
 
-TEST(TargaVerbs, VerifyAgreesWithLoading) {
-    struct Case {
-        std::string file, text;
+TEST(TargaVerbs, KindsThatDoNotLoadAreNamed) {
+    std::pair<char const *, char const *> const c_kinds[] = {
+        {"00", "0: no image"},
+        {"01", "1: colours from a map"},
+        {"03", "3: shades of grey"},
+        {"09", "9: colours from a map, run-length encoded"},
+        {"0B", "11: shades of grey, run-length encoded"},
+        {"20", "32: unknown"},
     };
+    TemporaryFolder const folder;
+    for (auto const & [type, meaning] : c_kinds)
+        EXPECT_EQ(verified(folder, header(type, "18", "00")),
+                  std::string("does not load: offset 2: image type is ") + meaning + "; must be 2 or 10\n");
+    FilledStream memory(header("02", "18", "00"));
+    FailingStream unreadable(memory, 0);
+    EXPECT_EQ(ReasonOf([&] { CheckTarga(unreadable); }), "RamStream: cannot be read");
+}
 
+TEST(TargaVerbs, VerifyAgreesWithLoading) {
     std::string const pixels(45, 'p'), summary = "5 x 3 pixels of 24 bits, ";
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         {header("02", "18", "00") + pixels, "good: " + summary + "plain, bottom row first\n"},
         // the footer of the second version, also with tables in front
         {header("02", "18", "00") + pixels + "tables" + std::string(8, '\0') + "TRUEVISION-XFILE." + '\0',
@@ -145,13 +159,13 @@ TEST(TargaVerbs, VerifyAgreesWithLoading) {
         {"short", "does not load: offset 5: only 5 of the 18 bytes of the header are there\n"},
     };
     TemporaryFolder const folder;
-    for (Case const & test : c_cases) {
-        EXPECT_EQ(verified(folder, test.file), test.text);
-        bool const loads = test.text.find("does not load") != 0;
+    for (auto const & [file, text] : c_cases) {
+        EXPECT_EQ(verified(folder, file), text);
+        bool const loads = text.find("does not load") != 0;
         TraceCapture const quiet;
         Image image;
-        EXPECT_EQ(TGAIO::Load((folder / "case.tga").c_str(), image), loads) << test.text;
-        EXPECT_EQ(RunTool({"tga", "verify", folder / "case.tga"}).code, test.text.find("good") == 0 ? 0 : 1);
+        EXPECT_EQ(TGAIO::Load((folder / "case.tga").c_str(), image), loads) << text;
+        EXPECT_EQ(RunTool({"tga", "verify", folder / "case.tga"}).code, text.find("good") == 0 ? 0 : 1);
     }
 }
 
@@ -212,19 +226,31 @@ TEST(TargaVerbs, BadFilesAreRefusedAndTheOldOnesStay) {
         EXPECT_EQ(result.code, 2) << size;
         EXPECT_EQ(result.err.find("failed: " + png + ": \""), 0u) << result.err;
     }
-    // A header that claims more than its bytes can hold, with a check value that is right.
-    std::string claim = good;
-    claim.replace(16, 8, FromHex("0000FFFF 0000FFFF"));
-    auto const crc = static_cast<unsigned int>(crc32(0, reinterpret_cast<Bytef const *>(&claim[12]), 17));
-    for (unsigned int i = 0; i < 4; ++i)
-        claim[29 + i] = static_cast<char>(crc >> (24 - 8 * i));
-    folder.WriteFile("a.png", claim);
-    EXPECT_EQ(RunTool({"tga", "frompng", png, tga}).err,
-              "failed: " + png + ": 65535 x 65535 pixels are more than " + std::to_string(claim.size()) +
-                  " bytes can hold\n");
+    // Headers that claim more than there can be, with a check value that is right.
+    std::tuple<char const *, std::size_t, char const *> const c_claims[] = {
+        // width, height, bits per channel and kind of colour; the size of the file; what is told
+        {"0000FFFF 0000FFFF 08 06", 9000, "65535 x 65535 pixels are more than 9000 bytes can hold"},
+        {"00010000 00000001 08 06", 9000, "65536 x 1 pixels are more than a Targa file can have"},
+        {"00000001 00010000 08 06", 9000, "1 x 65536 pixels are more than a Targa file can have"},
+        {"0000FFFF 0000FFFF 01 00", 600'000, "the pixels take 4 GiB or more"}, // they are one bit in the file
+    };
+    for (auto const & [fields, size, reason] : c_claims) {
+        std::string claim = good;
+        claim.replace(16, 10, FromHex(fields));
+        auto const crc = static_cast<unsigned int>(crc32(0, reinterpret_cast<Bytef const *>(&claim[12]), 17));
+        for (unsigned int i = 0; i < 4; ++i)
+            claim[29 + i] = static_cast<char>(crc >> (24 - 8 * i));
+        claim.resize(size);
+        folder.WriteFile("a.png", claim);
+        EXPECT_EQ(RunTool({"tga", "frompng", png, tga}).err, "failed: " + png + ": " + reason + "\n");
+    }
     EXPECT_EQ(RunTool({"tga", "resave", tga, tga}).code, 2);
     EXPECT_EQ(folder.ReadFile("a.tga"), "old");
     EXPECT_EQ(RunTool({"tga", "topng", tga, tga}).err, "failed: " + tga + ": would overwrite the source\n");
+    folder.WriteFile("c.tga", header("03", "18", "10")); // only what keeps it from loading is told
+    EXPECT_EQ(RunTool({"tga", "topng", folder / "c.tga", png}).err,
+              "failed: " + (folder / "c.tga") +
+                  ": offset 2: image type is 3: shades of grey; must be 2 or 10\n");
     folder.WriteFile("c.tga", header("0A", "18", "00") + FromHex("8E 010203"));
     EXPECT_EQ(RunTool({"tga", "topng", folder / "c.tga", folder / "no/c.png"}).code, 2);
 }

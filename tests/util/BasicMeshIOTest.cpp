@@ -1,6 +1,6 @@
 #include "Cross/Util/BasicMeshIO.h"
+#include "tests/support/ChunkFiles.h"
 #include "tests/support/ReasonOf.h"
-#include "tests/support/StreamBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -28,21 +28,14 @@ void expectMesh(Mesh const & mesh, Mesh const & want, std::vector<MathPrim::Mesh
 
 // A file with a mesh chunk of this body and an empty chunk behind it.
 std::string fileOf(std::string const & body) {
-    FilledStream stream;
-    Chunky file(stream, 0);
-    file.WriteDataChunk(FourCC("BMSH"), 1, -1);
-    file.WriteBytes(body.data(), static_cast<unsigned int>(body.size()));
-    file.PopChunk();
-    file.WriteDataChunk(c_nextId, 1, -1);
-    file.PopChunk();
-    return stream.Content();
+    return ChunkFile(0, [&](Chunky & file) {
+        WriteData(file, FourCC("BMSH"), 1, body);
+        WriteData(file, c_nextId, 1, "");
+    });
 }
 
 std::string listBytes(Meshes const & meshes, PlatformType platform) {
-    FilledStream stream;
-    Chunky file(stream, platform);
-    BasicMeshIO::SaveList(file, meshes);
-    return stream.Content();
+    return ChunkFile(platform, [&](Chunky & file) { BasicMeshIO::SaveList(file, meshes); });
 }
 
 constexpr char const * c_loads = "no exception";
@@ -160,27 +153,24 @@ TEST(BasicMeshIO, ListsThatAreCutOrLie) {
 
     std::size_t const count = 16 + 20 + 13 + 20 + 12;
 
-    struct Case {
-        char const *count, *says;
-        std::size_t loaded;
+    std::tuple<char const *, char const *, std::size_t> const c_cases[] = {
+        {"01000000", c_loads, 1},
+        {"02000000", c_loads, 2},
+        {"03000000", "'MSHI' is expected, but nothing is left", 2},
+        {"FFFFFF7F", "nothing is left", 2},
+        {"FFFFFFFF", "the number of meshes is negative", 0},
     };
-
-    for (Case const & test :
-         {Case{"01000000", c_loads, 1}, Case{"02000000", c_loads, 2},
-          Case{"03000000", "'MSHI' is expected, but nothing is left", 2},
-          Case{"FFFFFF7F", "nothing is left", 2}, Case{"FFFFFFFF", "the number of meshes is negative", 0}}) {
+    for (auto const & [told, says, loaded] : c_cases) {
         meshes.clear();
-        std::string const reason = load(std::string(whole).replace(count, 4, FromHex(test.count)), meshes);
-        EXPECT_NE(reason.find(test.says), std::string::npos) << reason;
-        EXPECT_EQ(meshes.size(), test.loaded) << test.count;
+        std::string const reason = load(std::string(whole).replace(count, 4, FromHex(told)), meshes);
+        EXPECT_NE(reason.find(says), std::string::npos) << reason;
+        EXPECT_EQ(meshes.size(), loaded) << told;
     }
 
-    FilledStream stream;
-    Chunky file(stream, 0);
-    file.WriteFolderChunkName(FourCC("MSHL"), 1, nullptr);
-    file.WriteDataChunk(FourCC("MSLI"), 1, -1);
-    file.WriteBytes("abc", 3);
-    file.PopChunk();
-    file.PopChunk();
-    EXPECT_NE(load(stream.Content(), meshes).find("too short for the number of meshes"), std::string::npos);
+    std::string const cut = ChunkFile(0, [](Chunky & file) {
+        file.WriteFolderChunkName(FourCC("MSHL"), 1, nullptr);
+        WriteData(file, FourCC("MSLI"), 1, "abc");
+        file.PopChunk();
+    });
+    EXPECT_NE(load(cut, meshes).find("too short for the number of meshes"), std::string::npos);
 }

@@ -177,6 +177,9 @@ TEST(BinaryConfigVerify, FaultsAreToldWithTheirPlace) {
     std::tuple<unsigned int, std::string, unsigned int, char const *> const cases[] = {
         // where the bytes go, what Verify tells
         {0x00, word(7), 0x00, "a table has more fields than the image has room for"},
+        {0x00, word(0), 0x04, "bytes follow the last value"},
+        // a root of the other byte order would have two fields, but one of no known type
+        {0x00, word(0x02000000), 0x00, "a table has more fields than the image has room for"},
         {0x3C, word(2), 0x3C, "a table has more fields than the image has room for"},
         {0x10, word(0x12AB97D0), 0x10, "the keys of a sorted table do not ascend"},
         {0x28, word(0), 0x28, "the keys of a sorted table do not ascend"},

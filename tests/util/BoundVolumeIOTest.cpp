@@ -1,6 +1,6 @@
 #include "Cross/Util/BoundVolumeIO.h"
+#include "tests/support/ChunkFiles.h"
 #include "tests/support/ReasonOf.h"
-#include "tests/support/StreamBytes.h"
 
 #include <gtest/gtest.h>
 
@@ -23,22 +23,8 @@ BoundVolume volumeOf(MathPrim::OBBf const & box) {
     return volume;
 }
 
-// A chunk file with this chunk and an empty one behind it.
-void fill(ByteStream & stream, std::uint32_t version, std::string const & body) {
-    Chunky file(&stream, 0);
-    file.WriteDataChunk(c_id, version, -1);
-    file.WriteBytes(body.data(), static_cast<unsigned int>(body.size()));
-    file.PopChunk();
-    file.WriteDataChunk(c_nextId, 1, -1);
-    file.PopChunk();
-    stream.SetPos(0);
-}
-
 std::string saved(BoundVolume const & volume, PlatformType platform) {
-    FilledStream stream;
-    Chunky file(stream, platform);
-    BoundVolumeIO::Save(file, volume);
-    return stream.Content();
+    return ChunkFile(platform, [&](Chunky & file) { BoundVolumeIO::Save(file, volume); });
 }
 
 } // namespace
@@ -67,13 +53,8 @@ TEST(BoundVolumeIO, TheBoxComesBackAndTheSphereFollowsFromIt) {
 
 // Both versions with every flag, an older and a newer one; each is also cut at every byte.
 TEST(BoundVolumeIO, EveryVersionAndFlag) {
-    struct Case {
-        std::uint32_t version;
-        char const * flags;
-        bool hasSphere, hasBox;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<std::uint32_t, char const *, bool, bool> const c_cases[] = {
+        // version, flags, whether there is a sphere, a box
         {2, "00", false, false},
         {2, "01", false, true},
         {2, "80", false, true}, // any byte but 0 is true
@@ -86,19 +67,21 @@ TEST(BoundVolumeIO, EveryVersionAndFlag) {
         {1, "0101", true, true},
         {1, "FF02", true, true},
     };
-    for (Case const & test : c_cases) {
+    for (auto const & [version, flags, hasSphere, hasBox] : c_cases) {
         std::string const body =
-            FromHex(std::string(test.flags) + (test.hasSphere ? "00001041 00001041 00001041 00001041" : "") +
-                    (test.hasBox ? c_boxBytes : ""));
+            FromHex(std::string(flags) + (hasSphere ? "00001041 00001041 00001041 00001041" : "") +
+                    (hasBox ? c_boxBytes : ""));
         for (std::size_t size = 0; size <= body.size(); ++size) {
-            FilledStream stream;
-            fill(stream, test.version, body.substr(0, size));
+            FilledStream stream(ChunkFile(0, [&, version = version](Chunky & writer) {
+                WriteData(writer, c_id, version, body.substr(0, size));
+                WriteData(writer, c_nextId, 1, "");
+            }));
             Chunky file(stream, 0);
             BoundVolume read = volumeOf(c_otherBox);
-            bool const isWhole = size == body.size() && test.version <= 2;
+            bool const isWhole = size == body.size() && version <= 2;
             bool const loads = ReasonOf([&] { BoundVolumeIO::Load(file, read); }) == "no exception";
-            EXPECT_EQ(loads, isWhole) << test.version << ' ' << test.flags << ' ' << size;
-            EXPECT_EQ(read.GetOBB(), isWhole && test.hasBox ? c_box : c_otherBox);
+            EXPECT_EQ(loads, isWhole) << version << ' ' << flags << ' ' << size;
+            EXPECT_EQ(read.GetOBB(), isWhole && hasBox ? c_box : c_otherBox);
             EXPECT_EQ(read.GetSphere().radius, volumeOf(read.GetOBB()).GetSphere().radius);
             if (isWhole) {
                 EXPECT_NO_THROW(file.ReadDataChunk(c_nextId, 1)) << "the file stands behind the chunk";

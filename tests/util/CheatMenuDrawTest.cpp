@@ -3,6 +3,7 @@
 
 #include "tests/util/CheatMenuSupport.h"
 
+#include <array>
 #include <limits>
 
 namespace {
@@ -252,15 +253,8 @@ TEST_F(CheatMenuDrawTest, TheMenuGlidesSoThatTheSelectionStaysInSight) {
 }
 
 TEST_F(CheatMenuDrawTest, ASliderShowsWhereItsValueLies) {
-    struct Case {
-        char const * get;
-        char const * limits;
-        char const *left, *right; // of the knob
-        char const * x;
-        char const * text;
-    };
-
-    Case const cases[] = {
+    std::array<char const *, 6> const cases[] = {
+        // get, limits, left and right of the knob, x of the text, text
         {"0", "", "-0.77031654", "-0.7543165", "0.13885051", "0.000"},
         {"100", "", "-0.6121564", "-0.59615636", "0.13103801", "100.000"},
         {"-1", "min = -2, max = 2", "-0.7307765", "-0.71477646", "0.13494426", "-1.000"},
@@ -271,12 +265,12 @@ TEST_F(CheatMenuDrawTest, ASliderShowsWhereItsValueLies) {
         {"5", "min = 5, max = 5", "-0.77031654", "-0.7543165", "0.13885051", "5.000"},
         {"1/0", "", "-0.77031654", "-0.7543165", "0.14666301", "inf"},
     };
-    for (Case const & test : cases) {
+    for (auto const & [get, limits, left, right, x, text] : cases) {
         Renew();
-        LoadLines("{ name = 'S', type = Variable, var_type = Float, get = '" + std::string(test.get) + "', " +
-                  test.limits + " }");
-        std::string const end = rect(test.left, "0.8773955", test.right, "0.8493916", "0xFFFFFFFF") +
-                                shown(test.x, "0.06830323", test.text, "0xF0AFFFAF");
+        LoadLines("{ name = 'S', type = Variable, var_type = Float, get = '" + std::string(get) + "', " +
+                  limits + " }");
+        std::string const end = rect(left, "0.8773955", right, "0.8493916", "0xFFFFFFFF") +
+                                shown(x, "0.06830323", text, "0xF0AFFFAF");
         std::string const drawn = Drawn();
         EXPECT_TRUE(drawn.ends_with(end)) << drawn << end;
     }

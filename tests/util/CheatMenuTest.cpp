@@ -98,13 +98,8 @@ TEST_F(CheatMenuTest, TheKeysWalkTheTree) {
               "    { name = 'E', type = SubMenu } } }, { name = 'N', type = SubMenu }");
     Run("log = ''");
 
-    struct Case {
-        char const * keys;
-        char const * log;
-        char const * texts;
-    };
-
-    Case const cases[] = {
+    std::tuple<char const *, char const *, char const *> const cases[] = {
+        // keys, log, texts
         {"a", "A", "A M N "},
         {"r", "A", "A M N "},                    // right runs nothing
         {"naaaara", "A", "A M N "},              // neither does a separator
@@ -120,10 +115,10 @@ TEST_F(CheatMenuTest, TheKeysWalkTheTree) {
         {"b", "ABBA", "A M N "},
     };
     EXPECT_EQ(Texts(), "A M N ");
-    for (Case const & test : cases) {
-        Press(test.keys);
-        EXPECT_EQ(Value("log"), test.log) << test.keys;
-        EXPECT_EQ(Texts(), test.texts) << test.keys;
+    for (auto const & [keys, log, texts] : cases) {
+        Press(keys);
+        EXPECT_EQ(Value("log"), log) << keys;
+        EXPECT_EQ(Texts(), texts) << keys;
     }
     // Closed by left at the top; then no key does anything, and it opens where it was.
     Press("pprl");
@@ -166,13 +161,7 @@ TEST_F(CheatMenuTest, VariablesAreShownAndChanged) {
 }
 
 TEST_F(CheatMenuTest, WhatFailsIsTraced) {
-    struct Case {
-        char const * get;
-        char const * shown;
-        bool fails;
-    };
-
-    Case const cases[] = {
+    std::tuple<char const *, char const *, bool> const cases[] = {
         {"7", "7.000", false},
         // values of another kind count as none
         {"'7'", "0.000", false},
@@ -181,11 +170,11 @@ TEST_F(CheatMenuTest, WhatFailsIsTraced) {
         {"(", "0.000", true},
         {"error({})", "0.000", true},
     };
-    for (Case const & test : cases) {
+    for (auto const & [get, shown, fails] : cases) {
         trace.lines.clear();
-        LoadLines(floatLine(test.get, ""));
-        EXPECT_EQ(Texts(), "v " + std::string(test.shown) + " ");
-        EXPECT_EQ(trace.lines, test.fails ? Lines{c_getFloat + test.get + "'"} : Lines()) << test.get;
+        LoadLines(floatLine(get, ""));
+        EXPECT_EQ(Texts(), "v " + std::string(shown) + " ");
+        EXPECT_EQ(trace.lines, fails ? Lines{c_getFloat + get + "'"} : Lines()) << get;
     }
     trace.lines.clear();
     LoadLines(variable("b", "get = 'nobody()', set = 'error(%s)'"));

@@ -41,14 +41,8 @@ std::string parsed(std::string const & text) {
 TEST(ConfigFile, ReadsTheFormat) {
     std::string const block(1023, 'x');
 
-    struct Case {
-        char const * rule;
-        std::string text;
-        std::string content;
-    };
-
     // A key of more than 255 characters cannot be asked for: it shows without its value here.
-    Case const c_cases[] = {
+    std::tuple<char const *, std::string, std::string> const c_cases[] = {
         {"names ignore case, the first of two keys stands",
          "[Video]\r\nWidth=1\r\n[AUDIO]\r\n[video]\r\nWIDTH=2\r\nHeight=3\r\n",
          "[audio][video]height=3;width=1;"},
@@ -71,9 +65,9 @@ TEST(ConfigFile, ReadsTheFormat) {
         {"an end that the 1,023 bytes cut is none", "[s]\r\n" + block.substr(3) + "=1\r\nb=2\r\n",
          "[s]b=2;" + block.substr(3) + "=;"},
     };
-    for (Case const & test : c_cases) {
-        SCOPED_TRACE(test.rule);
-        EXPECT_EQ(parsed(test.text), test.content);
+    for (auto const & [rule, text, content] : c_cases) {
+        SCOPED_TRACE(rule);
+        EXPECT_EQ(parsed(text), content);
     }
 }
 
@@ -124,6 +118,7 @@ TEST(ConfigFile, SetSectionMovesOrTells) {
     EXPECT_STREQ(file.GetSection(), "");
     EXPECT_EQ(file.GetKeyCount(), 0u);
     EXPECT_EQ(file.GetKeyAt(0), nullptr);
+    EXPECT_FALSE(file.GetString("a", both, sizeof(both)));
     EXPECT_EQ(file.GetSectionCount(), 3u);
 }
 
@@ -146,9 +141,12 @@ TEST(ConfigFile, GetStringFitsOrFails) {
     EXPECT_TRUE(file.GetString(both, both, sizeof(both)));
     EXPECT_STREQ(both, "value");
 
-    std::string text = "old";
-    EXPECT_FALSE(file.GetString("none", text));
-    EXPECT_EQ(text, "");
+    std::string text;
+    for (char const * const missing : {"none", static_cast<char const *>(nullptr)}) {
+        text = "old";
+        EXPECT_FALSE(file.GetString(missing, text));
+        EXPECT_EQ(text, "");
+    }
     for (std::size_t const length : {2047u, 2048u}) {
         file.SetString("long", std::string(length, 'v').c_str());
         EXPECT_EQ(file.GetString("long", text), length == 2047);
@@ -157,13 +155,7 @@ TEST(ConfigFile, GetStringFitsOrFails) {
 }
 
 TEST(ConfigFile, GetIntReadsWholeNumbers) {
-    struct Case {
-        std::string text;
-        bool result;
-        int value;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<std::string, bool, int> const c_cases[] = {
         {"12", true, 12},
         {"-7", true, -7},
         {" +9", true, 9},
@@ -178,11 +170,11 @@ TEST(ConfigFile, GetIntReadsWholeNumbers) {
         {std::string(31, '0') + "5", false, 0}, // 32 characters
     };
     ConfigFile file;
-    for (Case const & test : c_cases) {
-        file.SetString("n", test.text.c_str());
+    for (auto const & [text, result, expected] : c_cases) {
+        file.SetString("n", text.c_str());
         int value = 42;
-        EXPECT_EQ(file.GetInt("n", value), test.result) << test.text;
-        EXPECT_EQ(value, test.value) << test.text;
+        EXPECT_EQ(file.GetInt("n", value), result) << text;
+        EXPECT_EQ(value, expected) << text;
     }
     int value = 42;
     EXPECT_FALSE(file.GetInt("", value));
@@ -199,7 +191,8 @@ TEST(ConfigFile, SetStringRefusesWhatAFileCannotHold) {
         EXPECT_FALSE(file.SetString(bad, "v")) << bad;
         EXPECT_FALSE(file.SetString("k", bad)) << bad;
     }
-    EXPECT_FALSE(file.SetString("", "v") || file.SetString(nullptr, "v") || file.SetString("k", nullptr));
+    EXPECT_FALSE(file.SetString("", "v") || file.SetString(nullptr, "v") || file.SetString("k", nullptr) ||
+                 file.Remove("k"));
     EXPECT_EQ(file.GetSectionCount(), 0u);
     std::string const longKey(300, 'K');
     EXPECT_TRUE(file.SetString(longKey.c_str(), "v"));
@@ -248,13 +241,16 @@ TEST(ConfigFile, AFailedSaveKeepsTheOldFile) {
     TemporaryFolder const folder;
     folder.WriteFile("old.ini", "[s]\r\na=1\r\n");
     ConfigFile file((folder / "old.ini").c_str());
-    file.SetString("a", "2");
-    TraceCapture trace;
-    FileFaults::Instance().failingWrite = 1;
-    EXPECT_FALSE(file.Save(nullptr));
-    FileFaults::Instance().Clear();
-    EXPECT_EQ(folder.ReadFile("old.ini"), "[s]\r\na=1\r\n");
-    EXPECT_EQ(folder.CountEntries(), 1u);
-    ASSERT_EQ(trace.lines.size(), 2u) << "the first one is the stream's";
-    EXPECT_NE(trace.lines[1].find("Couldn't write config file " + folder / "old.ini"), std::string::npos);
+    for (std::size_t const size :
+         {std::size_t{1}, std::size_t{FileBuffer::c_size}}) { // gathered, and at once
+        file.SetString("a", std::string(size, '2').c_str());
+        TraceCapture trace;
+        FileFaults::Instance().failingWrite = 1;
+        EXPECT_FALSE(file.Save(nullptr));
+        FileFaults::Instance().Clear();
+        EXPECT_EQ(folder.ReadFile("old.ini"), "[s]\r\na=1\r\n");
+        EXPECT_EQ(folder.CountEntries(), 1u);
+        ASSERT_EQ(trace.lines.size(), 2u) << "the first one is the stream's";
+        EXPECT_NE(trace.lines[1].find("Couldn't write config file " + folder / "old.ini"), std::string::npos);
+    }
 }

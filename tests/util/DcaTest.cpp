@@ -79,24 +79,19 @@ TEST(Dca, NumbersAreCachedBelowTheCapacity) {
 }
 
 TEST(Dca, NamesHaveOneSpelling) {
-    struct Case {
-        std::string name;
-        std::string stored;
-    };
-
-    Case const c_cases[] = {
+    std::pair<std::string, std::string> const c_cases[] = {
         {"DcaTest", "dcatest"}, {"DcaTest/Tank//Gun\\\\1", "dcatest\\tank\\gun\\1"}, {"", ""},
         {"/\\/", "\\"},         {std::string(300, 'X'), std::string(259, 'x')}, // a path's length
     };
-    for (Case const & test : c_cases) {
-        dca::Key const key = dca::GetKey(test.name.c_str());
-        EXPECT_EQ(dca::GetString(key), test.stored);
-        EXPECT_EQ(dca::GetKey(test.stored.c_str()), key);
+    for (auto const & [name, stored] : c_cases) {
+        dca::Key const key = dca::GetKey(name.c_str());
+        EXPECT_EQ(dca::GetString(key), stored);
+        EXPECT_EQ(dca::GetKey(stored.c_str()), key);
         dca::Key found;
-        EXPECT_TRUE(dca::FindKey(test.name.c_str(), found));
+        EXPECT_TRUE(dca::FindKey(name.c_str(), found));
         EXPECT_EQ(found, key);
         Dictionary::Key const plain = key;
-        EXPECT_STREQ(Dictionary::Instance().GetString(plain), test.stored.c_str());
+        EXPECT_STREQ(Dictionary::Instance().GetString(plain), stored.c_str());
     }
 }
 

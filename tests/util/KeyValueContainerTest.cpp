@@ -143,6 +143,9 @@ TEST(KeyValueContainer, ShutdownForgetsTheNames) {
     KeyValueContainer::Shutdown();
     EXPECT_STREQ(container.At(0), "");
     EXPECT_FALSE(container.Check("speed") || container.CheckString("name"));
+    FilledStream stream;
+    EXPECT_TRUE(KeyValueContainerIO::Save(container, stream, "box"));
+    EXPECT_EQ(stream.Content(), "box = {}\nbox_strings = {}\n");
     KeyValueContainer().Set("speed", 2.0f);
     EXPECT_EQ(container.Retrieve("speed"), 1.0f);
 }
@@ -155,20 +158,23 @@ TEST(KeyValueContainerIO, ComesBack) {
     container.SetString("Name", "a \"quoted\"\nline");
     for (char const * const odd : {"7", "007", "", "while", "two words", "\"\r\n"})
         container.SetString(odd, odd);
-    FilledStream stream;
-    EXPECT_TRUE(KeyValueContainerIO::Save(container, stream, "box"));
-    stream->SetPos(0);
-    copy.Set("stays", 1.0f);
-    copy.Set("speed", 9.0f);
-    EXPECT_TRUE(KeyValueContainerIO::Load(copy, stream, "box"));
     Content expected = contentOf(container);
     expected["stays"] = "1.000000";
-    EXPECT_EQ(contentOf(copy), expected);
-    EXPECT_EQ(copy.Retrieve("speed"), 0.1f);
-    stream->SetPos(0);
-    KeyValueContainer other;
-    EXPECT_TRUE(KeyValueContainerIO::Load(other, stream, "crate"));
-    EXPECT_TRUE(other.Empty());
+    for (char const * const name : {"box", static_cast<char const *>(nullptr)}) {
+        FilledStream stream;
+        EXPECT_TRUE(KeyValueContainerIO::Save(container, stream, name));
+        stream->SetPos(0);
+        copy = KeyValueContainer();
+        copy.Set("stays", 1.0f);
+        copy.Set("speed", 9.0f);
+        EXPECT_TRUE(KeyValueContainerIO::Load(copy, stream, name));
+        EXPECT_EQ(contentOf(copy), expected);
+        EXPECT_EQ(copy.Retrieve("speed"), 0.1f);
+        stream->SetPos(0);
+        KeyValueContainer other;
+        EXPECT_TRUE(KeyValueContainerIO::Load(other, stream, "crate"));
+        EXPECT_TRUE(other.Empty());
+    }
 }
 
 TEST(KeyValueContainerIO, TakesFromAStateAndLeavesItsCursor) {
@@ -193,14 +199,7 @@ TEST(KeyValueContainerIO, AFailedSaveIsTold) {
 TEST(KeyValueContainerIO, TakesWhatPeopleWrite) {
     TraceCapture trace;
 
-    struct Case {
-        char const * rule;
-        char const * text;
-        bool result;
-        Content content;
-    };
-
-    Case const c_cases[] = {
+    std::tuple<char const *, char const *, bool, Content> const c_cases[] = {
         {"no script", "box = {", false, {}},
         {"a script that fails late", "box = { a = 1 } error()", false, {}},
         {"no tables", "x = 1", true, {}},
@@ -212,10 +211,10 @@ TEST(KeyValueContainerIO, TakesWhatPeopleWrite) {
         {"the last spelling of a name wins", "box = { SPEED = 1, speed = 2 }", true, {{"speed", "2.000000"}}},
         {"texts alone", "box_strings = { a = 'x' }", true, {{"a$", "x"}}},
     };
-    for (Case const & test : c_cases) {
-        FilledStream stream(test.text);
+    for (auto const & [rule, text, result, content] : c_cases) {
+        FilledStream stream(text);
         KeyValueContainer container;
-        EXPECT_EQ(KeyValueContainerIO::Load(container, stream, "box"), test.result) << test.rule;
-        EXPECT_EQ(contentOf(container), test.content) << test.rule;
+        EXPECT_EQ(KeyValueContainerIO::Load(container, stream, "box"), result) << rule;
+        EXPECT_EQ(contentOf(container), content) << rule;
     }
 }

@@ -211,27 +211,22 @@ TEST_F(SystemConfigTest, MemoryIsEstimatedInKilobytes) {
 }
 
 TEST_F(SystemConfigTest, VersionsDecide) {
-    struct Case {
-        char const * version;
-        bool loads;
-    };
-
     Listener listener;
     config->RegisterCallback(&listener, {});
-    for (Case const & test : {Case{"", false},
-                              {"version = '1007'", false},
-                              {"version = 1006", false},
-                              {"version = 1006.9", false},
-                              {"version = 4294967296", false},
-                              {"version = 1007", true},
-                              {"version = 1008.5", true}}) {
-        std::string const script = std::string(test.version) +
+    for (auto const & [version, loads] : {std::pair<char const *, bool>{"", false},
+                                          {"version = '1007'", false},
+                                          {"version = 1006", false},
+                                          {"version = 1006.9", false},
+                                          {"version = 4294967296", false},
+                                          {"version = 1007", true},
+                                          {"version = 1008.5", true}}) {
+        std::string const script = std::string(version) +
                                    " applicationBaseMemory = 1"
                                    " configuration = { { setting = 'tanks', value = 77 } }";
-        EXPECT_EQ(Run(script.c_str(), false), test.loads) << test.version;
-        EXPECT_EQ(Get("tanks"), test.loads ? 77u : 3u) << test.version;
-        EXPECT_EQ(config->GetEstimatedBaseMemoryUsage(), test.loads ? 1024u : 512000u) << test.version;
-        EXPECT_EQ(listener.heard.empty(), !test.loads) << test.version;
+        EXPECT_EQ(Run(script.c_str(), false), loads) << version;
+        EXPECT_EQ(Get("tanks"), loads ? 77u : 3u) << version;
+        EXPECT_EQ(config->GetEstimatedBaseMemoryUsage(), loads ? 1024u : 512000u) << version;
+        EXPECT_EQ(listener.heard.empty(), !loads) << version;
     }
 }
 
@@ -326,21 +321,16 @@ TEST_F(SystemConfigTest, FilesThatCannotBeUsedAreTraced) {
     folder.WriteFile("broken.lua", "version = 1007 configuration = {");
     Listener listener;
     config->RegisterCallback(&listener, {});
-    auto const lastLine = [this] { return trace.lines.empty() ? "" : trace.lines.back(); };
-    for (char const * const path : {"SAVES:none.lua", "SAVES:broken.lua", "NOWHERE:x.lua", "SAVES:"}) {
+    auto const expectTold = [this](bool result, std::string const & what) {
+        EXPECT_FALSE(result) << what;
+        EXPECT_TRUE(!trace.lines.empty() &&
+                    trace.lines.back().find("SYSTEMCONFIG -- Failed to " + what + "'.") != std::string::npos);
         trace.lines.clear();
-        EXPECT_FALSE(config->Load(path, true)) << path;
-        EXPECT_NE(
-            lastLine().find("SYSTEMCONFIG -- Failed to load configuration from '" + std::string(path) + "'."),
-            std::string::npos);
-    }
-    for (char const * const path : {"NOWHERE:x.lua", "SAVES:broken.lua/x.lua"}) {
-        trace.lines.clear();
-        EXPECT_FALSE(config->Save(path)) << path;
-        EXPECT_NE(
-            lastLine().find("SYSTEMCONFIG -- Failed to save configuration to '" + std::string(path) + "'."),
-            std::string::npos);
-    }
+    };
+    for (char const * const path : {"SAVES:none.lua", "SAVES:broken.lua", "NOWHERE:x.lua", "SAVES:"})
+        expectTold(config->Load(path, true), std::string("load configuration from '") + path);
+    for (char const * const path : {"NOWHERE:x.lua", "SAVES:broken.lua/x.lua"})
+        expectTold(config->Save(path), std::string("save configuration to '") + path);
     EXPECT_EQ(Get("tanks"), 3u);
     EXPECT_EQ(listener.heard, "");
 }
@@ -380,13 +370,8 @@ TEST_F(SystemConfigTest, ScriptsSetReadLoadAndSave) {
     LuaConfig state("script", true);
     std::vector<std::string> & lines = trace.lines;
 
-    struct Case {
-        char const * call;
-        bool runs;
-        char const * says; // a part of the last line
-    };
-
-    Case const c_cases[] = {
+    std::tuple<char const *, bool, char const *> const c_cases[] = {
+        // call, whether it runs, a part of the last line
         {"sysconfig_getsetting('Tanks')", true, "SYSTEMCONFIG -- 'Tanks': 3"},
         {"sysconfig_setsetting('TANKS', 12) sysconfig_getsetting('tanks')", true,
          "SYSTEMCONFIG -- 'tanks': 12"},
@@ -406,10 +391,10 @@ TEST_F(SystemConfigTest, ScriptsSetReadLoadAndSave) {
          "SYSTEMCONFIG -- 'tanks': 12"},
         {"sysconfig_load('SAVES:none.lua')", true, "Failed to load"},
     };
-    for (Case const & test : c_cases) {
+    for (auto const & [call, runs, says] : c_cases) {
         lines.assign(1, "");
-        EXPECT_EQ(state.RunString(test.call, true), test.runs) << test.call;
-        EXPECT_NE(lines.back().find(test.says), std::string::npos) << lines.back();
+        EXPECT_EQ(state.RunString(call, true), runs) << call;
+        EXPECT_NE(lines.back().find(says), std::string::npos) << lines.back();
     }
     Dictionary::Key known;
     EXPECT_TRUE(Dictionary::Instance().FindKey("unheard of", known));

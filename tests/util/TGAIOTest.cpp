@@ -295,9 +295,11 @@ TEST_F(TGAIOTest, SavesWhatLoadsAgain) {
     EXPECT_FALSE(save(1, 65536, 32, 4));
     EXPECT_FALSE(save(1, 1, 28, 4));
     EXPECT_FALSE(save(3, 2, 32, 0));
-    FileFaults::Instance().failingWrite = 1;
-    EXPECT_FALSE(save(3, 1, 32, 12));
-    FileFaults::Instance().Clear();
+    for (std::string const & data : {pixels, std::string(FileBuffer::c_size, 'p')}) { // gathered, and at once
+        FileFaults::Instance().failingWrite = 1;
+        EXPECT_FALSE(TGAIO::Save(c_path, 3, 1, 32, static_cast<unsigned int>(data.size()), data.data()));
+        FileFaults::Instance().Clear();
+    }
     EXPECT_EQ(folder.ReadFile("picture.tga"), whole);
     EXPECT_EQ(folder.CountEntries(), 1u);
     EXPECT_FALSE(TGAIO::Save("PICTURES:new.tga", 65536, 1, 32, 4, pixels.data()));

@@ -2,8 +2,7 @@
 
 #include "Cross/Util/BinaryConfigIO.h"
 #include "Cross/engine/core/Types.h"
-#include "Cross/engine/filesystem/Chunky.h"
-#include "tests/support/StreamBytes.h"
+#include "tests/support/ChunkFiles.h"
 
 #include <string>
 
@@ -49,14 +48,11 @@ inline std::string FlattenedImage(BinaryConfigCreator const & creator, unsigned 
 // The contents of a table file; `size` is what the file says of the image.
 inline std::string TableFile(std::string const & image, std::uint32_t crc, std::uint32_t size,
                              std::uint32_t id = FourCC("AEGD"), std::uint32_t version = 1) {
-    FilledStream stream;
-    Chunky chunky(stream, 1);
-    chunky.WriteDataChunk(id, version, -1);
-    chunky.Write(crc);
-    chunky.Write(size);
-    chunky.WriteBytes(image.data(), static_cast<unsigned int>(image.size()));
-    chunky.PopChunk();
-    return stream.Content();
+    FilledStream body;
+    ByteStreamAdapter words(body, nullptr);
+    words.Write(crc);
+    words.Write(size);
+    return ChunkFile(1, [&](Chunky & file) { WriteData(file, id, version, body.Content() + image); });
 }
 
 inline std::string TableFile(std::string const & image) {
@@ -64,7 +60,8 @@ inline std::string TableFile(std::string const & image) {
 }
 
 inline bool LoadBytes(std::string const & file, BinaryConfig & config) {
-    return BinaryConfigIO::Load(FilledStream(file), config);
+    FilledStream stream(file);
+    return BinaryConfigIO::Load(stream, config);
 }
 
 inline bool LoadImage(std::string const & image, BinaryConfig & config) {

@@ -21,12 +21,9 @@ std::string_view withoutIndent(std::string_view line) {
     return line.substr(std::min(line.find_first_not_of(' '), line.size()));
 }
 
-// What stands between the brackets of a value line.
+// What stands between the brackets. REQUIRES: isValue(line).
 std::string_view valueOf(std::string_view line) {
-    std::size_t const begin = line.find(c_value);
-    if (begin == std::string_view::npos)
-        return {};
-    std::string_view const value = line.substr(begin + c_value.size());
+    std::string_view const value = line.substr(line.find(c_value) + c_value.size());
     return value.ends_with(c_valueEnd) ? value.substr(0, value.size() - c_valueEnd.size()) : value;
 }
 

@@ -54,7 +54,10 @@ bool store(char * buffer, std::string_view text) {
 
 // For operations that leave the path alone when the result does not fit.
 bool replace(char (&path)[c_maxPath], std::string const & text) {
-    return text.size() < c_maxPath && store(path, text);
+    bool const fits = text.size() < c_maxPath;
+    if (fits)
+        store(path, text);
+    return fits;
 }
 
 void appendAlias(std::string & path, std::string_view alias) {

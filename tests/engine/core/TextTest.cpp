@@ -5,13 +5,7 @@
 #include <gtest/gtest.h>
 
 TEST(Text, ComparesWithoutTheCaseOfAsciiLetters) {
-    struct Case {
-        char const * left;
-        char const * right;
-        int sign;
-    };
-
-    constexpr Case c_cases[] = {
+    constexpr std::tuple<char const *, char const *, int> c_cases[] = {
         {"Sword@AZ[`az{", "sWORD@az[`AZ{", 0},
         // a start of the other comes first
         {"sword", "swords", -1},
@@ -23,28 +17,21 @@ TEST(Text, ComparesWithoutTheCaseOfAsciiLetters) {
         {"\xC4", "\xE4", -1},
         {"z", "\x80", -1},
     };
-    for (Case const & each : c_cases) {
-        int const order = text::CompareNoCase(each.left, each.right);
-        EXPECT_EQ((order > 0) - (order < 0), each.sign) << each.left << " and " << each.right;
+    for (auto const & [left, right, sign] : c_cases) {
+        int const order = text::CompareNoCase(left, right);
+        EXPECT_EQ((order > 0) - (order < 0), sign) << left << " and " << right;
     }
 }
 
 TEST(Text, CopiesWhatFits) {
-    struct Case {
-        char const * source;
-        std::size_t size;
-        char const * result;
-        bool whole;
-    };
-
-    constexpr Case c_cases[] = {
+    constexpr std::tuple<char const *, std::size_t, char const *, bool> c_cases[] = {
         {"abc", 4, "abc", true}, {"abc", 3, "ab", false},      {"abc", 1, "", false},
         {nullptr, 4, "", true},  {"abc", 0, "#######", false},
     };
-    for (Case const & each : c_cases) {
+    for (auto const & [source, size, result, whole] : c_cases) {
         char buffer[8] = "#######";
-        EXPECT_EQ(text::CopyCut(buffer, each.size, each.source), each.whole);
-        EXPECT_STREQ(buffer, each.result);
+        EXPECT_EQ(text::CopyCut(buffer, size, source), whole);
+        EXPECT_STREQ(buffer, result);
     }
 
     char overlapping[] = "path/name";

@@ -4,13 +4,8 @@
 
 namespace {
 
-struct Case {
-    std::string_view narrow;
-    std::u16string_view wide;
-    bool isWellFormed;
-};
-
-constexpr Case c_cases[] = {
+constexpr std::tuple<std::string_view, std::u16string_view, bool> c_cases[] = {
+    // UTF-8, what it is in UTF-16, and whether it is well formed
     // first and last character of each length, and the neighbours of the surrogates
     {{"\0\x7F", 2}, {u"\0\x7F", 2}, true},
     {"\xC2\x80\xDF\xBF", u"\x80\x7FF", true},
@@ -41,12 +36,12 @@ constexpr Case c_cases[] = {
 } // namespace
 
 TEST(Utf, ConvertsWhatIsWellFormedAndReplacesTheRest) {
-    for (Case const & each : c_cases) {
-        EXPECT_EQ(utf::ToUtf16(each.narrow), each.wide) << each.narrow;
+    for (auto const & [narrow, wide, isWellFormed] : c_cases) {
+        EXPECT_EQ(utf::ToUtf16(narrow), wide) << narrow;
         std::u16string strict = u"before";
-        EXPECT_EQ(utf::ToUtf16Strict(each.narrow, strict), each.isWellFormed) << each.narrow;
-        EXPECT_EQ(strict, each.isWellFormed ? each.wide : u"") << each.narrow;
-        EXPECT_TRUE(!each.isWellFormed || utf::ToUtf8(each.wide) == each.narrow) << each.narrow;
+        EXPECT_EQ(utf::ToUtf16Strict(narrow, strict), isWellFormed) << narrow;
+        EXPECT_EQ(strict, isWellFormed ? wide : u"") << narrow;
+        EXPECT_TRUE(!isWellFormed || utf::ToUtf8(wide) == narrow) << narrow;
     }
     // surrogates alone, in front of a pair, and cut from their other half
     EXPECT_EQ(utf::ToUtf8(u"\xDDE1\xD83D"), "\xEF\xBF\xBD\xEF\xBF\xBD");

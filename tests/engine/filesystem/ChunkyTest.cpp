@@ -270,6 +270,7 @@ TEST(ChunkyWriter, GoingBackOverwritesInsideTheOpenChunk) {
             {moveTo(start + 1), c_passes},
             {[](Chunky & each) { each.WriteBytes("#", 1); }, c_passes},
             {pop, c_passes}, // ends behind everything that was written, wherever the position is
+            {moveTo(start), "'RamStream' at offset 42: position 36 is not from 42 to 42"},
         });
     EXPECT_EQ(memory.Content().substr(28, 4), FromHex("06000000"));
     EXPECT_EQ(memory.Content().substr(start), "a#cdef");

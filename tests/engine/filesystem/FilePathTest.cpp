@@ -60,13 +60,7 @@ protected:
     } folder;
 };
 
-struct ReadCase {
-    char const * path;
-    char const * content;
-    FilePath::FILE_Type type;
-};
-
-constexpr ReadCase c_readCases[] = {
+constexpr std::tuple<char const *, char const *, FilePath::FILE_Type> c_readCases[] = {
     // case of alias and components is ignored
     {"Data:art\\tank.TGA", "tank", FilePath::FT_FILE},
     // the exact spelling first
@@ -99,10 +93,10 @@ TEST_F(FilePathTest, ReadsThroughAliases) {
     link("../plain.txt", "Art/back");
     link((folder / "base/Art").c_str(), "absolute");
     ASSERT_EQ(::mkfifo((folder / "base/pipe").c_str(), 0666), 0);
-    for (ReadCase const & row : c_readCases) {
-        SCOPED_TRACE(row.path);
-        EXPECT_EQ(contentOf(row.path), row.content);
-        EXPECT_EQ(FilePath::GetFileType(row.path), row.type);
+    for (auto const & [path, content, type] : c_readCases) {
+        SCOPED_TRACE(path);
+        EXPECT_EQ(contentOf(path), content);
+        EXPECT_EQ(FilePath::GetFileType(path), type);
     }
     // the path as it is given counts, not what it leads to
     std::string const longest =

@@ -75,6 +75,7 @@ TEST(PathText, SetsReplacesAndTakesAwayAlsoInPlace) {
     EXPECT_TRUE(fs::RetrieveExtension(path.text, path.text));
     EXPECT_TRUE(fs::SplitPath(path.text, nullptr, nullptr, path.text, nullptr));
     EXPECT_STREQ(path.text, "extension");
+    fs::BracketConvert(nullptr);
     path = PathBuffer("/a//b\\/\\c.d/");
     fs::BracketConvert(path.text);
     EXPECT_STREQ(path.text, "\\a\\b\\c.d\\");
@@ -93,6 +94,7 @@ TEST(PathText, LongestPathIs259Characters) {
     EXPECT_FALSE(fs::MakePath(path.text, "", "", longest.c_str(), "x"));
     EXPECT_STREQ(path.text, "");
     EXPECT_FALSE(fs::RetrieveExtension(("a." + longest + 'a').c_str(), path.text));
+    EXPECT_FALSE(fs::RetrieveAlias((longest + "a:b").c_str(), path.text));
 
     // what does not fit changes nothing
     PathBuffer full(longest.substr(2) + ".");

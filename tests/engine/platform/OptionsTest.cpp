@@ -56,13 +56,7 @@ TEST(Options, TakesNumbersFromOneArgument) {
 }
 
 TEST(Options, TakesAWholeNumberFromTheNextArgument) {
-    struct Case {
-        char const * option;
-        int value;
-        char const * rule;
-    };
-
-    constexpr Case c_cases[] = {
+    constexpr std::tuple<char const *, int, char const *> c_cases[] = {
         {"a", -8, "a number with a sign"},
         {"8", c_missing, "which was taken and is no option"},
         {"c", c_bare, "a text is no number"},
@@ -73,8 +67,8 @@ TEST(Options, TakesAWholeNumberFromTheNextArgument) {
         {"program", c_missing, "the program's name is no option"},
         {nullptr, c_missing, "no name"},
     };
-    for (Case const & each : c_cases)
-        EXPECT_EQ(read({"-a", "-8", "-c", "high", "-e", "-f=", "9", "last", "-i", "-I=5", "-z"}, each.option),
-                  each.value)
-            << each.rule;
+    for (auto const & [option, value, rule] : c_cases)
+        EXPECT_EQ(read({"-a", "-8", "-c", "high", "-e", "-f=", "9", "last", "-i", "-I=5", "-z"}, option),
+                  value)
+            << rule;
 }

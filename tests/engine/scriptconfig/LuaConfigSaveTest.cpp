@@ -109,13 +109,8 @@ TEST(LuaConfigSaveTest, RandomValuesComeBackEqual) {
 }
 
 TEST(LuaConfigSaveTest, LargeAndDeepTablesLoadAgain) {
-    struct Case {
-        char const * rule;
-        char const * source;
-        char const * check; // of the state read back
-    };
-
-    constexpr Case cases[] = {
+    constexpr std::tuple<char const *, char const *, char const *> cases[] = {
+        // rule, source, check of the state read back
         {"more fields and globals than a function has constants",
          "t = {} for i = 1, 132000 do t['k' .. i] = i + 0.5 _G['k' .. i] = i + 0.5 end",
          "t.k1 == 1.5 and t.k132000 == 132000.5 and k1 == 1.5 and k132000 == 132000.5"},
@@ -134,12 +129,12 @@ TEST(LuaConfigSaveTest, LargeAndDeepTablesLoadAgain) {
          "(function() local inner = t while inner.deep do inner = inner.deep end return #inner == 60000 "
          "end)()"},
     };
-    for (Case const & row : cases) {
-        SCOPED_TRACE(row.rule);
-        std::string const source = saveSource(row.source);
+    for (auto const & [rule, made, check] : cases) {
+        SCOPED_TRACE(rule);
+        std::string const source = saveSource(made);
         LuaConfig read("", false);
         ASSERT_TRUE(load(read, source));
-        EXPECT_TRUE(read.RunString((std::string("assert(") + row.check + ")").c_str(), true));
+        EXPECT_TRUE(read.RunString((std::string("assert(") + check + ")").c_str(), true));
     }
 }
 
