@@ -3,8 +3,6 @@
 #include "Cross/Util/BasicMeshIO.h"
 #include "Cross/Util/BoundVolumeIO.h"
 #include "Cross/Util/TGAIO.h"
-#include "Cross/engine/core/Text.h"
-#include "Cross/engine/core/Types.h"
 #include "Cross/engine/diagnostics/Trace.h"
 #include "Cross/engine/filesystem/FilePath.h"
 #include "samples/sandbox/Files.h"

@@ -1,8 +1,8 @@
 #include "samples/sandbox/Show.h"
 
 #include "Cross/Util/CRCBlock.h"
-#include "Cross/Util/CheatMenu.h"
 #include "Cross/Util/RenderStats.h"
+#include "Cross/Util/StatGraph.h"
 #include "Cross/engine/scriptconfig/GlobalLua.h"
 #include "Cross/engine/scriptconfig/LuaConfig.h"
 #include "samples/sandbox/Console.h"
