@@ -309,6 +309,7 @@ TEST(Copiers, AddedRefsMustAgree) {
     copier.Copy(from, to);
     EXPECT_EQ(bytesOf(to), "efghabcd");
     copier.Clear();
+    EXPECT_TRUE(copier.Empty());
     for (unsigned int key = 2; key >= 1; --key) // both to one place
         copier.AddRef(Ref(Key(key), c_float, 1), Ref(Key(2), c_float, 1));
     copier.Copy(from, to);
