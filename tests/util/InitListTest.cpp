@@ -79,7 +79,7 @@ TEST_F(InitListTest, ProgressFillsTheStepsShareByItsOwnFigureAndTime) {
     std::pair<std::uint32_t, float> const loads[] = {{500, ((1.0f - 0.5f) * 0.5f + 0.5f) / 4.0f},
                                                      {9000, 0.25f}};
     for (auto const & [milliseconds, progress] : loads) {
-        first->onLoad = [&] { clock.milliseconds += milliseconds; };
+        first->onLoad = [this, step = milliseconds] { clock.milliseconds += step; };
         manager.Load();
         EXPECT_EQ(manager.LoadProgress(), progress) << milliseconds;
     }
