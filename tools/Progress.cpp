@@ -88,6 +88,7 @@ void Progress::countRead(std::uint64_t bytes) {
     std::uint32_t const now = Plat::Time::GetTimeMilliseconds();
     if (isEnded || now - start < c_patience || now - shownAt < c_period)
         return;
+    total = std::max(total, done); // a file may grow, and a pipe tells no length
     line << '\r' << std::setw(3) << done * 100 / total << "% read" << std::flush;
     shownAt = now;
     isShown = true;

@@ -64,6 +64,18 @@ TEST_F(ProgressTest, FailuresWipeItToo) {
     EXPECT_EQ(err.str(), "\r 50% read\r         \rfailed");
 }
 
+// A pipe tells no length, and a log may still be written to.
+TEST_F(ProgressTest, MoreThanTheLengthIsAllOfIt) {
+    Progress const progress(terminal, out, err);
+    auto * const growing = new RamStream;
+    growing->Open(100, c_streamWrite);
+    ByteStreamProxy const stream = Progress::Watch(ByteStreamProxy(growing));
+    growing->Write("more", 4);
+    growing->SetPos(0);
+    Read(stream, 4, 1000);
+    EXPECT_EQ(terminal.str(), "\r100% read");
+}
+
 TEST_F(ProgressTest, StreamsStayAsTheyAreWithoutIt) {
     RamStream * const stream = Hundred();
     EXPECT_EQ(Progress::Watch(ByteStreamProxy(stream)).Get(), stream);
