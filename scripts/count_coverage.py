@@ -85,7 +85,7 @@ def unreached(file):
 def share(name, counts):
     counts = list(counts)
     reached = sum(count > 0 for count in counts)
-    percent = 100.0 * reached / len(counts)
+    percent = 100.0 * reached / len(counts) if counts else 0.0
     print(f"{name}: {reached} of {len(counts)}, {percent:.2f} %")
     return [] if percent >= LEAST else [f"{name}: less than {LEAST} % are reached"]
 

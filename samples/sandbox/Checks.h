@@ -32,4 +32,4 @@ void CheckSync(Report & report, unsigned int driftFrame);
 // When everything was unloaded, and when the game has stopped.
 void CheckUnloading(Report & report, LoadScreen const & load);
 void CheckNothingLeft(Report & report);
-void CheckStopped(Report & report);
+void CheckStopped(Report & report, bool socketsWereUp);

@@ -16,12 +16,12 @@ void Game::Start(DebugRenderProxy * renderer, char const * menuFile) {
     StatGraph::Register(new GraphSink); // deleted at unload
 }
 
-void Game::Stop() {
+bool Game::Stop() {
     Inv::Shutdown();
     settings.reset(); // SystemConfig::Shutdown
     menu.reset();     // CheatMenu::Shutdown
     DebugRender::Unregister(DebugRender::s_pProxy);
     KeyValueContainer::Shutdown();
     GlobalLua::Shutdown();
-    UtilSocketShutDown();
+    return UtilSocketShutDown() == 0;
 }

@@ -22,8 +22,9 @@ struct Game {
     // Everything of the library that has a beginning. The renderer may be null: then nothing is drawn.
     void Start(DebugRenderProxy * renderer, char const * menuFile);
 
-    // Everything of the library that has an end. The renderer may go behind it.
-    void Stop();
+    // Everything of the library that has an end. The renderer may go behind it. False when the socket layer
+    // was not up.
+    bool Stop();
 
     Simulation world{1, 0};               // its units follow the settings
     std::optional<GameSettings> settings; // from Start to Stop

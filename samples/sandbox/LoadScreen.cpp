@@ -216,25 +216,26 @@ bool LoadScreen::loadOnce() {
         InitList::LoadResult const result = manager.Load();
         if (result == InitList::Failed) {
             manager.Unload();
-            std::printf("failed and undone: %s\n", news());
+            std::printf("%sfailed and undone: %s\n", isatty(STDOUT_FILENO) != 0 ? "\n" : "", news());
             return false;
         }
         float const progress = manager.LoadProgress();
         progressWasSteady = progressWasSteady && progress >= shown;
-        show(progress, shown < c_picturedProgress && progress >= c_picturedProgress);
+        show(progress);
         shown = progress;
         if (result == InitList::Finished)
             return true;
     }
 }
 
-void LoadScreen::show(float progress, bool pictured) {
+void LoadScreen::show(float progress) {
+    bool const pictured = !isPictured && progress >= c_picturedProgress;
     stage.BeginFrame(pictured);
     drawBar(progress, events);
     DebugRender::Display();
     stage.EndFrame();
     if (pictured)
-        stage.TakePicture("loading");
+        isPictured = stage.TakePicture("loading");
     if (isatty(STDOUT_FILENO) != 0)
         printBar(progress);
     else if (events.size() != told)

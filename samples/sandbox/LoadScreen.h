@@ -32,12 +32,13 @@ public:
 
 private:
     bool loadOnce();
-    void show(float progress, bool pictured);
+    void show(float progress);
     char const * news();
 
     Stage & stage;
     std::string events;
     std::size_t told = 0; // of the events, those that were printed
+    bool isPictured = false;
     bool progressWasSteady = true;
     InitList::Manager manager;
 };

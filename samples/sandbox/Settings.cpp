@@ -60,6 +60,7 @@ void addShowOptions(CLI::App & app, Settings & settings) {
         ->excludes("--record")
         ->excludes("--blind");
     app.add_option("--menu", settings.menu, "Show the menu of this script; one that is saved loads again")
+        ->check(CLI::ExistingFile)
         ->option_text("FILE [data/menu.lua]")
         ->group(group);
     app.add_flag("--console", settings.show.console,

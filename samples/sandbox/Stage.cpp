@@ -4,6 +4,7 @@
 #include "samples/sandbox/Files.h"
 #include "samples/sandbox/GameLoop.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <thread>
@@ -79,7 +80,8 @@ void Stage::EndFrame() {
         renderer->End();
     if (!isWindow)
         return;
-    nextFrame += std::chrono::microseconds(16'667);
+    // What took longer, such as the checks, is not made up for.
+    nextFrame = std::max(nextFrame + std::chrono::microseconds(16'667), std::chrono::steady_clock::now());
     std::this_thread::sleep_until(nextFrame);
 }
 
@@ -94,7 +96,7 @@ bool Stage::SavePicture(std::string const & path) {
     return true;
 }
 
-std::string Stage::Summary() {
+std::string Stage::Finish() {
     if (!recorder)
         return renderer ? std::to_string(pictures) + " pictures in " + options.pictures : "nothing was drawn";
     if (!file.flush())

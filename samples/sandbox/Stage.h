@@ -26,9 +26,10 @@ public:
     // into.
     explicit Stage(StageOptions const & options);
 
-    bool IsOpen() const { return reason.empty(); }
+    // Whether it opened, and all was written so far.
+    bool IsGood() const { return reason.empty(); }
 
-    // Why it is not open or a picture was not written.
+    // Why it is not good.
     std::string const & Reason() const { return reason; }
 
     // What draws; null when the game is seen nowhere.
@@ -50,8 +51,8 @@ public:
 
     bool SavePicture(std::string const & path);
 
-    // What was written; the record is whole.
-    std::string Summary();
+    // Completes the record and tells what was written. IsGood is final then.
+    std::string Finish();
 
 private:
     void openScreen();

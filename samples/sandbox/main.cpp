@@ -43,9 +43,10 @@ void play(Report & report, Game & game, Stage & stage, ShowOptions const & optio
     ShowResult const result = PlayShow(game, stage, options);
     std::printf("played %u frames, CRC of the world %08X\n", result.frames,
                 static_cast<unsigned int>(result.worldCRC));
-    std::string const summary = stage.Summary();
+    std::string const summary = stage.Finish();
     report.Begin(Subsystem::Instruments);
-    report.Expect(stage.IsOpen(), stage.Reason());
+    report.Expect(stage.IsGood(), stage.Reason());
+    report.Expect(!game.world.GetUnits().empty(), "units play in the show");
     report.Evidence(std::to_string(result.frames) + " frames of the show, " + summary);
 }
 
@@ -78,7 +79,7 @@ int main(int argc, char ** argv) {
         return 1;
     }
     Stage stage(settings.stage);
-    if (!stage.IsOpen()) {
+    if (!stage.IsGood()) {
         std::fprintf(stderr, "there is no stage: %s\n", stage.Reason().c_str());
         return 1;
     }
@@ -87,9 +88,9 @@ int main(int argc, char ** argv) {
     game.assets = FindAssets(settings.data);
     game.Start(stage.Proxy(), settings.menu.c_str());
     bool const isUp = live(report, game, stage, settings);
-    game.Stop();
+    bool const socketsWereUp = game.Stop();
     if (!isUp)
         return 1;
-    CheckStopped(report);
+    CheckStopped(report, socketsWereUp);
     return report.Print();
 }
